@@ -1,0 +1,116 @@
+#include "cli/cli.h"
+
+#include <algorithm>
+#include <ostream>
+
+#include "cli/commands.h"
+
+namespace talvex::cli {
+
+const std::vector<CommandSpec>& AllCommands() {
+  static const std::vector<CommandSpec> commands = [] {
+    std::vector<CommandSpec> table;
+    AddLinkCommands(table);
+    return table;
+  }();
+  return commands;
+}
+
+namespace {
+
+void PrintUsage(std::ostream& err) {
+  err << "usage: talvexctl [--port PORT] [--id N] [--trace] [--json] [--file PRESET.tvx] COMMAND "
+         "...\n"
+         "  PORT: sim (default), sim:ID,ID,... (add @9600 to pace at the line speed),\n"
+         "        tcp:HOST:PORT, or a serial port such as /dev/ttyUSB0 or COM3\n"
+         "commands:\n";
+  for (const CommandSpec& command : AllCommands()) {
+    std::string head =
+        "  " + command.name + (command.synopsis.empty() ? "" : " " + command.synopsis);
+    head.resize(std::max<std::size_t>(head.size() + 2, 36), ' ');
+    err << head << command.summary << '\n';
+  }
+}
+
+struct ParsedLine {
+  GlobalOptions options;
+  std::string command;
+  std::vector<std::string> args;
+};
+
+const std::string& OptionValue(const std::vector<std::string>& args, std::size_t& i) {
+  if (i + 1 >= args.size()) throw UsageError(args[i] + " needs a value");
+  return args[++i];
+}
+
+// Global options may stand anywhere; everything else is the command and its arguments.
+// Only words beginning with "--" are options, so "-3.5" is a value.
+ParsedLine ParseCommandLine(const std::vector<std::string>& args) {
+  ParsedLine line;
+  bool optionsEnded = false;
+  for (std::size_t i = 0; i < args.size(); ++i) {
+    const std::string& arg = args[i];
+    if (!optionsEnded && arg == "--") {
+      optionsEnded = true;
+    } else if (!optionsEnded && arg == "--port") {
+      line.options.port = OptionValue(args, i);
+      link::ParsePortSpec(line.options.port);
+    } else if (!optionsEnded && arg == "--id") {
+      const std::string& value = OptionValue(args, i);
+      const auto id = ParseInt(value, 0, kMaxDeviceId);
+      if (!id) throw UsageError("--id \"" + value + "\" is not a device ID from 0 to 32");
+      line.options.id = *id;
+    } else if (!optionsEnded && arg == "--file") {
+      line.options.file = OptionValue(args, i);
+    } else if (!optionsEnded && arg == "--trace") {
+      line.options.trace = true;
+    } else if (!optionsEnded && arg == "--json") {
+      line.options.json = true;
+    } else if (line.command.empty()) {
+      line.command = arg;
+    } else {
+      line.args.push_back(arg);
+    }
+  }
+  return line;
+}
+
+int Run(const std::vector<std::string>& args, std::ostream& out, std::ostream& err,
+        const CliHooks& hooks) {
+  const ParsedLine line = ParseCommandLine(args);
+  if (line.command.empty() || line.command == "help") {
+    PrintUsage(line.command.empty() ? err : out);
+    return line.command.empty() ? kExitUsage : kExitOk;
+  }
+  const auto& commands = AllCommands();
+  const auto command = std::find_if(commands.begin(), commands.end(),
+                                    [&](const CommandSpec& c) { return c.name == line.command; });
+  if (command == commands.end()) throw UsageError("unknown command \"" + line.command + "\"");
+  CliContext context(line.options, line.args, out, err, hooks);
+  return command->run(context);
+}
+
+}  // namespace
+
+int RunCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err,
+           const CliHooks& hooks) {
+  try {
+    return Run(args, out, err, hooks);
+  } catch (const UsageError& error) {
+    err << "talvexctl: " << error.what() << '\n';
+    PrintUsage(err);
+    return kExitUsage;
+  } catch (const link::PortSpecError& error) {
+    err << "talvexctl: " << error.what() << '\n';
+    PrintUsage(err);
+    return kExitUsage;
+  } catch (const CommandFailed& error) {
+    if (!error.Printed()) err << "talvexctl: " << error.what() << '\n';
+    return kExitFailure;
+  } catch (const std::exception& error) {
+    err << "talvexctl: " << error.what() << '\n';
+    return kExitFailure;
+  }
+}
+
+}  // namespace talvex::cli

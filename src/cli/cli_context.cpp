@@ -1,0 +1,66 @@
+#include "cli/cli_context.h"
+
+#include <charconv>
+#include <ostream>
+
+#include "protocol/frame.h"
+
+namespace talvex::cli {
+
+std::optional<int> ParseInt(const std::string& text, int min, int max) {
+  int value = 0;
+  const char* first = text.data();
+  const char* last = text.data() + text.size();
+  if (text.empty() || (text[0] == '+')) return std::nullopt;
+  const auto [end, error] = std::from_chars(first, last, value);
+  if (error != std::errc() || end != last || value < min || value > max) return std::nullopt;
+  return value;
+}
+
+CliContext::CliContext(GlobalOptions options, std::vector<std::string> args, std::ostream& out,
+                       std::ostream& err, const CliHooks& hooks)
+    : options_(std::move(options)), args_(std::move(args)), out_(out), err_(err), hooks_(hooks) {}
+
+CliContext::~CliContext() = default;
+
+link::Link& CliContext::Link() {
+  if (link_) return *link_;
+  const link::PortSpec spec = link::ParsePortSpec(options_.port);  // checked before any command
+  line_ = hooks_.makeLine(spec);
+  link::LinkObserver* observer = this;
+  link_ = std::make_unique<link::Link>(*line_->transport, *line_->clock, observer);
+  if (!link_->OpenPort()) throw CommandFailed(link_->LastOpenError());
+  link_->Flags().ReportLinkErrors = true;
+  return *link_;
+}
+
+sim::SimLine* CliContext::Simulator() {
+  Link();
+  return line_->simulator.get();
+}
+
+int CliContext::IntArg(std::size_t index, int min, int max, const char* what) const {
+  if (index >= args_.size()) throw UsageError(std::string("missing ") + what);
+  const auto value = ParseInt(args_[index], min, max);
+  if (!value) {
+    throw UsageError(std::string(what) + " \"" + args_[index] + "\" is not a number from " +
+                     std::to_string(min) + " to " + std::to_string(max));
+  }
+  return *value;
+}
+
+void CliContext::LinkFailed(const link::LinkFailure& failure) {
+  ++failures_;
+  if (!failure.title.empty()) err_ << failure.title << ": ";
+  err_ << failure.text << '\n';
+}
+
+void CliContext::FrameSent(std::span<const std::uint8_t> frame) {
+  if (options_.trace) err_ << "> " << protocol::FormatHex(frame) << '\n';
+}
+
+void CliContext::ReplyTaken(std::span<const std::uint8_t> reply) {
+  if (options_.trace) err_ << "< " << protocol::FormatHex(reply) << '\n';
+}
+
+}  // namespace talvex::cli

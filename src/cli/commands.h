@@ -1,0 +1,24 @@
+// The table of talvexctl commands. Each group of commands lives in its own file and adds its
+// entries here.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "cli/cli_context.h"
+
+namespace talvex::cli {
+
+struct CommandSpec {
+  std::string name;
+  std::string synopsis;  // arguments, as shown in the usage
+  std::string summary;
+  std::function<int(CliContext&)> run;
+};
+
+void AddLinkCommands(std::vector<CommandSpec>& commands);
+
+const std::vector<CommandSpec>& AllCommands();
+
+}  // namespace talvex::cli

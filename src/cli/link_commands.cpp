@@ -1,0 +1,62 @@
+// scan, ping and send: the line and the frames themselves.
+#include <ostream>
+
+#include "cli/commands.h"
+#include "link/search.h"
+
+namespace talvex::cli {
+
+namespace {
+
+void RequireArgCount(const CliContext& context, std::size_t min, std::size_t max) {
+  const std::size_t count = context.Args().size();
+  if (count < min) throw UsageError("missing arguments");
+  if (count > max) throw UsageError("unexpected argument \"" + context.Args()[max] + "\"");
+}
+
+int Scan(CliContext& context) {
+  RequireArgCount(context, 0, 0);
+  link::Link& link = context.Link();
+  const std::vector<int> found = link::SearchDevices(
+      link, link::AllDeviceIds(), [&](const std::string& text) { context.Err() << text << '\n'; });
+  for (int id : found)
+    context.Out() << "ID " << id << '\n';
+  return kExitOk;
+}
+
+int Ping(CliContext& context) {
+  RequireArgCount(context, 0, 0);
+  const int id = context.Options().id;
+  if (link::PollTwice(context.Link(), id)) {
+    context.Out() << "ID " << id << " answers\n";
+    return kExitOk;
+  }
+  context.Err() << "ID " << id << " does not answer\n";
+  return kExitFailure;
+}
+
+int Send(CliContext& context) {
+  RequireArgCount(context, 1, 9);
+  protocol::Command command;
+  command.code = static_cast<std::uint8_t>(context.IntArg(0, 0, 255, "command code"));
+  for (std::size_t i = 1; i < context.Args().size(); ++i)
+    command.params[i - 1] = static_cast<std::uint8_t>(context.IntArg(i, 0, 255, "parameter"));
+  link::Link& link = context.Link();
+  const link::SendResult result = link.SendCommand(context.Options().id, command);
+  if (result == link::SendResult::Failed) throw CommandFailed("no reply", true);
+  if (result == link::SendResult::Replied)
+    context.Out() << protocol::FormatHex(std::span(link.RxBuffer()).first(protocol::kFrameSize))
+                  << '\n';
+  return kExitOk;
+}
+
+}  // namespace
+
+void AddLinkCommands(std::vector<CommandSpec>& commands) {
+  commands.push_back({"scan", "", "search IDs 0..32 and list the devices that answer", Scan});
+  commands.push_back({"ping", "", "poll the device of --id; exit 0 when it answers", Ping});
+  commands.push_back(
+      {"send", "CODE [P1 .. P8]", "send one command to --id and print the reply", Send});
+}
+
+}  // namespace talvex::cli

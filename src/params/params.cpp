@@ -1,0 +1,2 @@
+#include "params/default_image.h"
+#include "params/value_tables.h"

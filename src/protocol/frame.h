@@ -1,0 +1,104 @@
+// The 13-byte frame that carries every exchange with a TALVEX processor, the command codes,
+// and the byte helpers shared by everything that builds command parameters.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <stdexcept>
+#include <string>
+
+namespace talvex {
+
+// Raised for an index outside its range (device above 32, slot above 10, channel above 7,
+// band above 51 ...). Such a fault stops the operation; it is never clamped.
+class IndexError : public std::out_of_range {
+ public:
+  using std::out_of_range::out_of_range;
+};
+
+inline constexpr int kMaxDeviceId = 32;
+inline constexpr int kDeviceCount = kMaxDeviceId + 1;
+
+// Throws IndexError naming `what` unless 0 <= value <= max.
+void CheckIndex(long long value, long long max, const char* what);
+
+namespace protocol {
+
+inline constexpr std::size_t kFrameSize = 13;
+inline constexpr std::size_t kBlockSize = 304;
+inline constexpr std::uint8_t kFrameStart = 0xF0;
+inline constexpr std::uint8_t kFrameSecond = 0x81;
+inline constexpr std::uint8_t kFrameEnd = 0xF7;
+// A device answers a presence poll with this byte at index 4.
+inline constexpr std::uint8_t kPollAnswer = 0x81;
+inline constexpr std::size_t kPollAnswerIndex = 4;
+
+using Frame = std::array<std::uint8_t, kFrameSize>;
+
+// Command codes (byte 3 of a frame).
+namespace code {
+inline constexpr std::uint8_t kPoll = 0;
+inline constexpr std::uint8_t kChannelLevel = 1;
+inline constexpr std::uint8_t kDelay = 2;
+inline constexpr std::uint8_t kPolarity = 3;
+inline constexpr std::uint8_t kCrossover = 4;
+inline constexpr std::uint8_t kEqBand = 5;
+inline constexpr std::uint8_t kDbuLevel = 7;
+inline constexpr std::uint8_t kOutputSource = 8;
+inline constexpr std::uint8_t kMute = 9;
+inline constexpr std::uint8_t kReadBlock = 11;
+inline constexpr std::uint8_t kInputSource = 13;
+inline constexpr std::uint8_t kChannelName = 14;
+inline constexpr std::uint8_t kRelease = 15;  // never acknowledged
+inline constexpr std::uint8_t kMemoryRead = 16;
+inline constexpr std::uint8_t kMemoryWrite = 17;
+inline constexpr std::uint8_t kMeterPoll = 18;
+inline constexpr std::uint8_t kSetSystemType = 21;  // long wait
+inline constexpr std::uint8_t kReadState = 23;
+inline constexpr std::uint8_t kStoreData = 24;
+inline constexpr std::uint8_t kChannelBits = 29;
+inline constexpr std::uint8_t kSwitch = 34;
+inline constexpr std::uint8_t kLimiter = 35;
+inline constexpr std::uint8_t kReadStateEnd = 36;
+inline constexpr std::uint8_t kLeaveProgram = 143;  // never acknowledged
+}  // namespace code
+
+// True for the two codes that a device never acknowledges (release and leave-program).
+constexpr bool IsUnacknowledged(std::uint8_t commandCode) {
+  return commandCode == code::kRelease || commandCode == code::kLeaveProgram;
+}
+
+// One command as the senders produce it: the code and its eight parameter bytes (p1..p8).
+// Unused parameters stay 0.
+struct Command {
+  std::uint8_t code = 0;
+  std::array<std::uint8_t, 8> params{};
+
+  // Parameter n counted from 1, as the device documentation numbers them.
+  constexpr std::uint8_t& p(int n) { return params.at(static_cast<std::size_t>(n - 1)); }
+  constexpr std::uint8_t p(int n) const { return params.at(static_cast<std::size_t>(n - 1)); }
+
+  friend constexpr bool operator==(const Command&, const Command&) = default;
+};
+
+// 0xF0, 0x81, device ID, code, p1..p8, 0xF7. Throws IndexError for an ID above 32.
+Frame BuildFrame(int deviceId, const Command& command);
+
+// The command carried by a frame (the inverse of BuildFrame, for replies and the simulator).
+Command CommandOf(const Frame& frame);
+
+// True when the bytes have the frame's envelope: 0xF0, 0x81 ... 0xF7.
+bool HasFrameEnvelope(std::span<const std::uint8_t> bytes);
+
+// Rounds `value` to a whole number (ties to even, as the device's tools always did) and
+// returns it as four bytes, most significant first. Memory addresses and large parameter
+// values go out as bytes 2 and 3 of this result (the 16-bit high and low byte).
+std::array<std::uint8_t, 4> SplitToBytes(double value);
+
+// "F0 81 03 10 01 70 00 00 00 00 00 00 F7": upper-case hex, single spaces.
+std::string FormatHex(std::span<const std::uint8_t> bytes);
+
+}  // namespace protocol
+}  // namespace talvex

@@ -1,0 +1,31 @@
+// Addresses of the processor's own memory, as reached with commands 16 (read), 17 (write one
+// byte) and 24 (write four bytes). The device keeps its presets, names and settings here.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace talvex::protocol::memory {
+
+inline constexpr std::size_t kSize = 8192;
+
+inline constexpr std::size_t kOption = 0x12;  // device-wide option switched by command 17
+inline constexpr std::size_t kLock = 0x16;    // lock state
+
+inline constexpr std::size_t kUsedMarks = 32;  // one byte per preset slot, 85 = slot in use
+inline constexpr std::uint8_t kUsedMark = 85;
+inline constexpr std::size_t kDeviceName = 368;  // 16 characters, 368..383
+inline constexpr std::size_t kDeviceNameLength = 16;
+inline constexpr std::size_t kSlotNames = 384;  // 16 characters per slot
+inline constexpr std::size_t kSlotNameLength = 16;
+inline constexpr std::size_t kSlotData = 768;  // 304 bytes per slot
+inline constexpr std::size_t kSlotDataLength = 304;
+
+constexpr std::size_t SlotNameAddress(int slot) {
+  return kSlotNames + kSlotNameLength * static_cast<std::size_t>(slot);
+}
+constexpr std::size_t SlotDataAddress(int slot) {
+  return kSlotData + kSlotDataLength * static_cast<std::size_t>(slot);
+}
+
+}  // namespace talvex::protocol::memory

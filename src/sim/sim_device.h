@@ -1,0 +1,55 @@
+// One simulated TALVEX processor: its memory, live preset image and system type, answering
+// every command code as the device does.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <vector>
+
+#include "params/image_layout.h"
+#include "protocol/frame.h"
+#include "protocol/memory_map.h"
+
+namespace talvex::sim {
+
+using Memory = std::array<std::uint8_t, protocol::memory::kSize>;
+
+class SimDevice {
+ public:
+  explicit SimDevice(int id, int systemType = 0);
+
+  int Id() const { return id_; }
+  int SystemType() const { return systemType_; }
+
+  // The device's current preset (what a block read with p1 = p2 = 255 returns).
+  params::PresetImage& LiveImage() { return live_; }
+  const params::PresetImage& LiveImage() const { return live_; }
+  Memory& DeviceMemory() { return memory_; }
+  const Memory& DeviceMemory() const { return memory_; }
+
+  // Acts on a frame addressed to this device and returns its reply: a 13-byte frame, a
+  // 304-byte block, or nothing for the codes that are never acknowledged.
+  std::vector<std::uint8_t> Handle(const protocol::Frame& request);
+
+  // Frames handled so far, by command code.
+  int FramesHandled(std::uint8_t code) const;
+  int FramesHandled() const { return totalFrames_; }
+
+ private:
+  std::vector<std::uint8_t> Acknowledge(const protocol::Frame& request) const;
+  std::vector<std::uint8_t> AnswerPoll(const protocol::Frame& request) const;
+  std::vector<std::uint8_t> ReadBlock(const protocol::Command& command) const;
+  std::vector<std::uint8_t> ReadMemory(const protocol::Frame& request) const;
+  void WriteMemory(std::size_t address, std::uint8_t value);
+  void SetSystemType(int systemType);
+
+  int id_;
+  int systemType_ = 0;
+  params::PresetImage live_{};
+  Memory memory_{};
+  std::map<std::uint8_t, int> framesByCode_;
+  int totalFrames_ = 0;
+};
+
+}  // namespace talvex::sim
