@@ -60,7 +60,7 @@ struct ValueRule {
 inline constexpr std::array<double, 60> BellWidths = [] {
   std::array<double, 60> widths{};
   for (std::size_t n = 0; n < widths.size(); ++n)
-    widths[n] = 0.05 * static_cast<double>(n + 1);
+    widths[n] = static_cast<double>(n + 1) / 20;  // the double nearest 0.05 (n + 1)
   return widths;
 }();
 inline constexpr int kFirstBellWidth = 4;  // QTextTable indexes 0..3 are the shelves
