@@ -129,8 +129,11 @@ int Push(CliContext& context) {
   RequireArgCount(context, 1, 1);
   const std::string& path = context.Args()[0];
   const int id = context.Options().id;
-  // The type check compares the file with what the device runs now.
+  // As the editor connects a device: its live image (the type check compares the file with
+  // the type it runs now) and its state (byte 322 rides with every delay command, the output
+  // link switch is sent as the device has it).
   params::DeviceParams device = ReadLive(context);
+  ReadState(context, device);
   presets::ScratchRecord scratch;
   presets::PresetState presetState;
   presets::PresetView view;

@@ -126,11 +126,15 @@ TEST(SessionCommandsTest, shouldPushAPresetAndPullTheSameBytesBack) {
   std::vector<std::uint8_t> bytes(show.image.begin(), show.image.end());
   bench.WriteFile(bench.Path("show.tvx"), bytes);
 
+  bench.simulator->Device(2).Handle(
+      protocol::BuildFrame(2, {protocol::code::kDelay, {0, 0, 0, 0, 7, 0, 0, 0}}));  // 322 = 7
   ASSERT_EQ(bench.Run({"--id", "2", "push", bench.Path("show.tvx")}), kExitOk) << bench.err.str();
+  EXPECT_EQ(bench.simulator->Device(2).State().deviceWide, 7);  // sent back as the device had it
   EXPECT_EQ(
       bench.out.str(),
       "ID:2 TALVEX - Last preset loaded: come from PC - show.tvx - Type: 2x2 WAY XOVER + SUB\n");
-  EXPECT_EQ(bench.framesOfLastRun, 2 + 155);  // the live image and its closing command first
+  // The live image and its closing command, the state read (no slot in use), the transfer.
+  EXPECT_EQ(bench.framesOfLastRun, 2 + 15 + 155);
   ASSERT_EQ(bench.Run({"--id", "2", "pull", bench.Path("back.tvx")}), kExitOk);
   const std::vector<std::uint8_t> back = bench.FileBytes(bench.Path("back.tvx"));
   ASSERT_EQ(back.size(), 1155u);
@@ -147,7 +151,7 @@ TEST(SessionCommandsTest, shouldRefuseAPresetOfAnotherTypeAndSendNothing) {
   EXPECT_NE(bench.err.str().find("Load Preset: The new preset is for 6 WAY XOVER, please change "
                                  "Xover-Type from System Setup button\n"),
             std::string::npos);
-  EXPECT_EQ(bench.framesOfLastRun, 2);  // the live image read only
+  EXPECT_EQ(bench.framesOfLastRun, 2 + 15);  // the live image and the state read only
 }
 
 TEST(SessionCommandsTest, shouldDeleteATenByteFileAndSendNothing) {
@@ -155,7 +159,7 @@ TEST(SessionCommandsTest, shouldDeleteATenByteFileAndSendNothing) {
   bench.WriteFile(bench.Path("ten.tvx"), std::vector<std::uint8_t>(10, 1));
   EXPECT_EQ(bench.Run({"push", bench.Path("ten.tvx")}), kExitFailure);
   EXPECT_FALSE(fs::exists(bench.Path("ten.tvx")));
-  EXPECT_EQ(bench.framesOfLastRun, 2);
+  EXPECT_EQ(bench.framesOfLastRun, 2 + 15);
   EXPECT_EQ(bench.Run({"push", bench.Path("none.tvx")}), kExitFailure);
   EXPECT_FALSE(fs::exists(bench.Path("none.tvx")));
 }
@@ -163,7 +167,7 @@ TEST(SessionCommandsTest, shouldDeleteATenByteFileAndSendNothing) {
 TEST(SessionCommandsTest, shouldSayWhereATransferStopped) {
   Bench bench({0});
   ASSERT_EQ(bench.Run({"--file", bench.Path("zero.tvx"), "new", "0"}), kExitOk);
-  bench.simulator->Faults(0).vanishAfterFrames = 2 + 30;
+  bench.simulator->Faults(0).vanishAfterFrames = 2 + 15 + 30;
   EXPECT_EQ(bench.Run({"push", bench.Path("zero.tvx")}), kExitFailure);
   EXPECT_NE(bench.err.str().find("Communication problem"), std::string::npos);
   EXPECT_NE(bench.err.str().find("the transfer stopped at the dBu levels after 30 of 155 commands"),
