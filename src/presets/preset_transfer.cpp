@@ -217,24 +217,27 @@ TransferOutcome SendPresetTransfer(link::Link& link, int deviceId, const PresetT
   if (SendsNothing(link.Flags())) outcome.end = TransferEnd::Suspended;
   if (outcome.end == TransferEnd::Completed) link.Time().SleepFor(kFirstPause);
 
-  auto step = transfer.steps.begin();
-  for (int number = Number(PresetStage::Mutes); number <= kStageCount; ++number) {
-    const PresetStage stage = StageAt(number);
-    for (; step != transfer.steps.end() && step->stage == stage; ++step) {
-      if (outcome.end != TransferEnd::Completed) continue;
-      const link::SendResult result = link.SendCommand(deviceId, step->edit.command);
-      if (result == link::SendResult::Replied) {
-        ++outcome.commandsSent;
-      } else if (result == link::SendResult::Skipped) {
-        outcome.end = TransferEnd::Suspended;
-      } else if (result != link::SendResult::Unanswered) {
-        outcome.end = TransferEnd::Stopped;
-        outcome.stoppedAt = stage;
-      }
+  // Progress point k - 1 marks the end of stage k (2..19); a stage has ended once a command
+  // of a later stage is due, or the list is through.
+  int stagesEnded = Number(PresetStage::Pause);
+  const auto endStagesBefore = [&](int number) {
+    for (; stagesEnded < std::min(number - 1, Number(PresetStage::Graph)); ++stagesEnded)
+      if (transfer.flags.showApplyProgress && progress) progress(stagesEnded);
+  };
+  for (const PresetStep& step : transfer.steps) {
+    endStagesBefore(Number(step.stage));
+    if (outcome.end != TransferEnd::Completed) continue;
+    const link::SendResult result = link.SendCommand(deviceId, step.edit.command);
+    if (result == link::SendResult::Replied) {
+      ++outcome.commandsSent;
+    } else if (result == link::SendResult::Skipped) {
+      outcome.end = TransferEnd::Suspended;
+    } else if (result != link::SendResult::Unanswered) {
+      outcome.end = TransferEnd::Stopped;
+      outcome.stoppedAt = step.stage;
     }
-    if (transfer.flags.showApplyProgress && progress && number < Number(PresetStage::MutesAgain))
-      progress(number - 1);
   }
+  endStagesBefore(kStageCount + 1);
   return outcome;
 }
 
