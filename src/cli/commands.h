@@ -19,6 +19,7 @@ struct CommandSpec {
 
 void AddLinkCommands(std::vector<CommandSpec>& commands);
 void AddParamCommands(std::vector<CommandSpec>& commands);
+void AddSessionCommands(std::vector<CommandSpec>& commands);
 // What get and set do, and the parameter names, for the usage text.
 std::string ParamUsage();
 
