@@ -4,6 +4,7 @@
 #include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QStatusBar>
+#include <QStyle>
 
 namespace talvex::app {
 
@@ -95,8 +96,20 @@ void MainWindow::OpenEditor(int deviceId) {
   editors_[static_cast<std::size_t>(slot)] = editor;
   QMdiSubWindow* sub = area_->addSubWindow(editor);
   sub->setAttribute(Qt::WA_DeleteOnClose);
-  sub->move(380 + 24 * slot, 8 + 24 * slot);
   sub->show();
+  PlaceEditor(sub, slot);
+}
+
+// Editors cascade to the right of the device list, each slot a step further, inside the area.
+void MainWindow::PlaceEditor(QMdiSubWindow* sub, int slot) const {
+  const QSize size = sub->sizeHint().expandedTo({320, 280});
+  const int step = sub->style()->pixelMetric(QStyle::PM_TitleBarHeight) + 4;
+  const QPoint wanted(deviceList_ ? deviceList_->parentWidget()->geometry().right() + 12 : 8, 8);
+  const QPoint at = wanted + QPoint(step * slot, step * slot);
+  const QRect room = area_->viewport()->rect();
+  sub->resize(size);
+  sub->move(std::clamp(at.x(), 0, std::max(0, room.width() - size.width())),
+            std::clamp(at.y(), 0, std::max(0, room.height() - size.height())));
 }
 
 bool MainWindow::MayCloseEditor(int deviceId) {

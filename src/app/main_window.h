@@ -5,6 +5,7 @@
 
 #include <QMainWindow>
 #include <QMdiArea>
+#include <QMdiSubWindow>
 #include <array>
 #include <memory>
 
@@ -56,6 +57,7 @@ class MainWindow : public QMainWindow {
   void CloseEditorOf(int deviceId);
   void EditorClosed(int slot);
   bool MayCloseEditor(int deviceId);
+  void PlaceEditor(QMdiSubWindow* sub, int slot) const;
 
   std::unique_ptr<Session> session_;
   UserDialogs& dialogs_;

@@ -181,29 +181,32 @@ void Session::Connect(int deviceId) {
   }
   worker_->Revive(deviceId);
   Submit(
-      deviceId, {}, [this, deviceId](link::Link& link) { return ConnectOnWorker(link, deviceId); },
+      deviceId, {},
+      // The worker reads into a copy: the device's stores belong to this thread.
+      [this, deviceId, record = device.params.image](link::Link& link) {
+        return ConnectOnWorker(link, deviceId, record);
+      },
       [this, deviceId](ConnectResult result) { FinishConnect(deviceId, result); });
 }
 
-Session::ConnectResult Session::ConnectOnWorker(link::Link& link, int deviceId) const {
+Session::ConnectResult Session::ConnectOnWorker(link::Link& link, int deviceId,
+                                                 params::ParamImage record) const {
   ConnectResult result;
   link.Line().DiscardInput();  // the port's receive state is reset, with a pause either side
   link.Time().SleepFor(kConnectSettlePause);
   link.Time().SleepFor(kConnectSettlePause);
   result.present = link::PollTwice(link, deviceId);
   if (!result.present) return result;
+  // With errors reported, a failed read has been shown and the device closed by the link.
+  result.failureReported = link.Flags().ReportLinkErrors;
   const auto name = link::ReadDeviceName(link, deviceId);
-  if (!name) {
-    // With errors reported, the link has shown the failure and closed the device already.
-    result.nameRead =
-        link.Flags().ReportLinkErrors ? link::SendResult::Failed : link::SendResult::NoReply;
-    return result;
-  }
-  result.nameRead = link::SendResult::Replied;
+  if (!name) return result;
   result.name = *name;
-  params::ParamImage image = Device(deviceId).params.image;
-  if (presets::ReadLiveImage(link, deviceId, image) == presets::LiveRead::Received)
-    result.image = image;
+  // The editor opens on what the device holds: its live image, then its state.
+  if (presets::ReadLiveImage(link, deviceId, record) != presets::LiveRead::Received) return result;
+  params::DeviceParams device = params::DeviceParams::FromImage(record);
+  if (presets::ReadDeviceState(link, deviceId, device, result.state) == presets::StateRead::Received)
+    result.params = device;
   return result;
 }
 
@@ -216,22 +219,22 @@ void Session::FinishConnect(int deviceId, const ConnectResult& result) {
                          DialogIcon::Warning);
     return;
   }
-  if (result.name.empty()) {
-    if (result.nameRead == link::SendResult::NoReply) {  // not reported by the link yet
+  if (!result.params) {
+    if (!result.name.empty()) device.name = result.name;
+    if (!result.failureReported) {  // a read outlasted its time limit: say so, show "---"
       rowState_[index] = kUnknownRowName;
-      emit rowsChanged();
       dialogs_.ShowMessage(link::kCommunicationProblemTitle.data(),
                            kConnectTimeOutText + std::to_string(deviceId), DialogIcon::Warning);
     }
+    emit rowsChanged();
     return;
   }
   device.name = result.name;
   device.disconnected = false;
   rowState_[index] = nullptr;
-  if (result.image) {
-    device.params = params::DeviceParams::FromImage(*result.image);
-    device.imageRead = true;
-  }
+  device.params = *result.params;
+  device.state = result.state;
+  device.imageRead = true;
   emit rowsChanged();
   emit connected(deviceId);
 }

@@ -20,6 +20,7 @@
 #include "link/link.h"
 #include "link/link_worker.h"
 #include "params/device_params.h"
+#include "presets/device_state.h"
 
 namespace talvex::app {
 
@@ -59,6 +60,7 @@ struct DeviceEntry {
   std::string name;           // the 16-character name as last read ("" before)
   bool disconnected = false;  // cut off by a link failure or by the user
   params::DeviceParams params = params::DeviceParams::FromDefault(0);
+  presets::DeviceState state;
   bool imageRead = false;  // params hold what the device sent, not the factory image
 };
 
@@ -124,16 +126,17 @@ class Session : public QObject, private link::LinkObserver {
   };
   struct ConnectResult {
     bool present = false;
-    link::SendResult nameRead = link::SendResult::Skipped;
+    bool failureReported = false;  // a read failed and the link showed it (errors reported)
     std::string name;
-    std::optional<params::ParamImage> image;
+    std::optional<params::DeviceParams> params;  // the live image and the state read
+    presets::DeviceState state;
   };
 
   StartupResult SearchOnWorker(link::Link& link, const StartupChoice& choice);
   void FinishStartup(const StartupChoice& choice, const StartupResult& result);
   void OfferDemoMode(const char* question);
   void RefreshFrom(std::size_t row);
-  ConnectResult ConnectOnWorker(link::Link& link, int deviceId) const;
+  ConnectResult ConnectOnWorker(link::Link& link, int deviceId, params::ParamImage record) const;
   void FinishConnect(int deviceId, const ConnectResult& result);
   void SaveSpeakerRecords() const;
   void Post(std::function<void()> call);

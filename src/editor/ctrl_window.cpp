@@ -25,32 +25,26 @@ CtrlWindow::CtrlWindow(int deviceId, int slot, std::function<bool()> mayClose, Q
       deviceId_(deviceId),
       slot_(slot),
       mayClose_(std::move(mayClose)),
-      summary_(new QLabel) {
+      summary_(new QFormLayout) {
   setAttribute(Qt::WA_DeleteOnClose);
   auto* toolbar = new QToolBar;
   toolbar->addAction(kDisconnectAction, this, [this] { emit disconnectRequested(deviceId_); });
-  summary_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-  summary_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(toolbar);
-  layout->addWidget(summary_, 1);
-  setMinimumSize(420, 220);
+  layout->addLayout(summary_);
+  layout->addStretch(1);
 }
 
 void CtrlWindow::ShowDevice(const std::string& name, const params::DeviceParams& device) {
   const int type = device.image[params::kSystemTypeByte];
   setWindowTitle(QString::fromStdString(EditorCaption(deviceId_, type)));
-  QString text = QString("<b>%1</b><br>Device ID %2<br>")
-                     .arg(QString::fromStdString(name).toHtmlEscaped())
-                     .arg(deviceId_);
-  text += "System type: " + QString::fromStdString(SystemTypeText(type)) + "<br>";
-  text += "Outputs:";
-  for (int channel = 2; channel < params::kChannelCount; ++channel)
-    text +=
-        QString(" &nbsp;Out %1 \"%2\"")
-            .arg(channel - 1)
-            .arg(QString::fromStdString(params::OutputName(device.image, channel)).toHtmlEscaped());
-  summary_->setText(text);
+  while (summary_->rowCount() > 0) summary_->removeRow(0);
+  summary_->addRow("Name:", new QLabel(QString::fromStdString(name)));
+  summary_->addRow("System type:", new QLabel(QString::fromStdString(SystemTypeText(type))));
+  for (int channel = 2; channel < params::kChannelCount; ++channel) {
+    summary_->addRow(QString("Out %1:").arg(channel - 1),
+                     new QLabel(QString::fromStdString(params::OutputName(device.image, channel))));
+  }
 }
 
 void CtrlWindow::CloseWithoutAsking() {

@@ -2,6 +2,7 @@
 // for now it shows what the program knows of the device and lets the user disconnect it.
 #pragma once
 
+#include <QFormLayout>
 #include <QLabel>
 #include <QWidget>
 #include <functional>
@@ -43,7 +44,7 @@ class CtrlWindow : public QWidget {
   int slot_;
   std::function<bool()> mayClose_;
   bool asked_ = false;
-  QLabel* summary_;
+  QFormLayout* summary_;
 };
 
 }  // namespace talvex::editor

@@ -129,6 +129,18 @@ TEST_F(MainWindowTest, shouldUnconnectWithCommand15AndMarkTheRow) {
   EXPECT_EQ(app.dialogs.shown[2].text, "Device disconnected");
 }
 
+TEST_F(MainWindowTest, shouldSayWhenADeviceAnswersPollsButNotReads) {
+  AppHarness app("sim:0,1");
+  app.Start(Choice(SearchMode::AllIds));
+  app.simulator->Faults(1).silentFrames = 1000;
+  app.simulator->Faults(1).silentCode = protocol::code::kMemoryRead;
+  Open(app, 1);
+  ASSERT_EQ(app.dialogs.shown.size(), 1u);
+  EXPECT_EQ(app.dialogs.shown[0].text, "Time-Out: Communication problem with device ID:1");
+  EXPECT_EQ(app.window->DeviceList()->RowTexts()[1], "---  ID:1");
+  EXPECT_EQ(app.window->Slots().OpenWindowCount(), -1);
+}
+
 TEST_F(MainWindowTest, shouldSendCommand143OnlyWhenLeavingIsConfirmed) {
   AppHarness app("sim:0,1");
   app.Start(Choice(SearchMode::AllIds));
