@@ -2,7 +2,9 @@
 
 #include <array>
 #include <cmath>
+#include <optional>
 
+#include "graph/arc_tangent.h"
 #include "graph/frequency_grid.h"
 #include "params/value_tables.h"
 #include "protocol/frame.h"
@@ -42,7 +44,9 @@ constexpr float kQ806 = 0.806f;
 constexpr float kBessel12Scale = 0.52f;
 constexpr float kBessel24Scale = 0.649f;
 
-constexpr double kSineThreshold = 0.6;
+// The unwrapper's steepness test sin(arctan r) > 0.6 (about 37 degrees), taken on r itself:
+// sin(arctan r) = r / sqrt(1 + r^2), which is 0.6 at r = 0.75.
+constexpr double kSteepTangent = 0.75;
 
 float ToFloat(double value) {
   return static_cast<float>(value);
@@ -67,47 +71,274 @@ double GainFactor(double gainDb) {
   return std::pow(10.0, gainDb / kGainExponentDivisor);
 }
 
-// A section's tangent ratio: t = -(f/fc)/Q over d = 1 - (f/fc)^2, a zero d guarded.
-double SectionRatio(float q, float f, float fc) {
-  const double x = static_cast<double>(f) / static_cast<double>(fc);
-  const double t = -x / static_cast<double>(q);
-  const double d = GuardZero(1.0 - x * x);
-  return t / d;
+using detail::MagnitudeForm;
+using detail::ModelPlan;
+using detail::PhaseTerm;
+using detail::TermKind;
+
+// ---- The models at one frequency. Each returns the dB value of a bell, or the ratio whose
+// 20 log10 is the magnitude, or a phase term's tangent ratio.
+
+// A resonance curve in the dB domain, not a peaking biquad's exact magnitude.
+inline double BellDb(const ModelPlan& p, double f) {
+  const double detune = p.f0 / f - f / p.f0;
+  return p.gainDb / (1.0 + p.qm * p.qm * detune * detune);
 }
 
-// 20 log10 of a Butterworth of order n: fc^n (low-pass) or f^n (high-pass) over
-// sqrt(f^2n + fc^2n).
-double ButterworthDb(bool highPass, int order, double f, double fc) {
-  const double numerator = Power(highPass ? f : fc, order);
-  return 20.0 * Log10(numerator / std::sqrt(Power(f, 2 * order) + Power(fc, 2 * order)));
+// Shelves with W = (f/Fc)^2: a low shelf is A sqrt((A-W)^2 + AW/S) / sqrt((1-AW)^2 + AW/S),
+// a high shelf the same with the two roots swapped.
+inline double ShelfRatio(const ModelPlan& p, double f) {
+  const double w = f / p.magnitudeCorner;
+  const double ww = w * w;
+  const double cross = p.a * ww / p.slope;
+  const double low = std::sqrt((p.a - ww) * (p.a - ww) + cross);
+  const double high = std::sqrt((1.0 - p.a * ww) * (1.0 - p.a * ww) + cross);
+  const bool lowShelf = p.form == MagnitudeForm::kLowShelf;
+  return p.a * (lowShelf ? low : high) / (lowShelf ? high : low);
 }
 
-// The second-order Bessel magnitude term. Low-pass: 3 / sqrt((3 - x^2)^2 + (3x)^2) with
+// fc^n (low-pass) or f^n (high-pass) over sqrt(f^2n + fc^2n). The order is a template
+// argument so that the powers unroll and the grid loop stays a plain vector loop.
+template <int kOrder>
+inline double ButterworthRatio(const ModelPlan& p, bool highPass, double f) {
+  const double fc = p.magnitudeCorner;
+  const double numerator = Power(highPass ? f : fc, kOrder);
+  return numerator / std::sqrt(Power(f, 2 * kOrder) + Power(fc, 2 * kOrder));
+}
+
+inline double ButterworthRatio(const ModelPlan& p, bool highPass, double f) {
+  switch (p.order) {
+    case 1:
+      return ButterworthRatio<1>(p, highPass, f);
+    case 2:
+      return ButterworthRatio<2>(p, highPass, f);
+    case 3:
+      return ButterworthRatio<3>(p, highPass, f);
+    default:
+      return ButterworthRatio<4>(p, highPass, f);
+  }
+}
+
+template <int kOrder>
+void FillButterworth(const ModelPlan& p, std::array<double, kGridPointCount>& values) {
+  for (std::size_t i = 0; i < values.size(); ++i)
+    values[i] = ButterworthRatio<kOrder>(p, p.highPass, kGridFrequencies[i]);
+}
+
+// The second-order Bessel term. Low-pass: 3 / sqrt((3 - x^2)^2 + (3x)^2) with
 // x = f / (fc * scale). High-pass: 3 f^2 / sqrt((fh^2 - 3 f^2)^2 + (3 f fh)^2) with
 // fh = fc / scale. The two forms scale the corner in opposite directions; kept so.
-double BesselDb(bool highPass, double scale, double f, double fc) {
-  if (!highPass) {
-    const double x = f / (fc * scale);
-    const double d = std::sqrt((3.0 - x * x) * (3.0 - x * x) + (3.0 * x) * (3.0 * x));
-    return 20.0 * Log10(3.0 / d);
-  }
-  const double fh = fc / scale;
+inline double BesselLowRatio(const ModelPlan& p, double f) {
+  const double x = f / (p.magnitudeCorner * p.besselScale);
+  return 3.0 / std::sqrt((3.0 - x * x) * (3.0 - x * x) + (3.0 * x) * (3.0 * x));
+}
+
+inline double BesselHighRatio(const ModelPlan& p, double f) {
+  const double fh = p.magnitudeCorner / p.besselScale;
   const double d = std::sqrt((fh * fh - 3.0 * f * f) * (fh * fh - 3.0 * f * f) +
                              (3.0 * f * fh) * (3.0 * f * fh));
-  return 20.0 * Log10(3.0 * f * f / d);
+  return 3.0 * f * f / d;
 }
 
-// First-order section: arctan(-f/fc), plus a quarter turn for the high-pass form.
-double FirstOrderPhase(bool highPass, double f, double fc) {
-  const double angle = std::atan(-f / fc) + (highPass ? kPi / 2.0 : 0.0);
-  return angle * kRadiansToDegrees;
+// The analog peaking section folded into one arc tangent:
+// (1 - w^2)(w/Qm)(A^2 - 1)/A over (1 - w^2)^2 + (w/Qm)^2, with w = f/F0.
+inline double BellTangent(const ModelPlan& p, double f) {
+  const double w = f / p.f0;
+  const double wq = w / p.qm;
+  const double u = 1.0 - w * w;
+  return u * wq * p.bellTilt / GuardZero(u * u + wq * wq);
 }
 
-double SectionPhase(bool highPass, float q, float f, float fc, PhaseUnwrapState& state) {
-  return highPass ? HighPassSectionPhase(q, f, fc, state) : LowPassSectionPhase(q, f, fc, state);
+// Shelves with w = f / phase corner, W = w^2: codes 0, 1 sqrt(A)(w/Qs)(A - W - 1 + WA), codes
+// 2, 3 sqrt(A)(w/Qs)(1 - WA - W + A), over (w/Qs)^2 A + (1 - WA)(A - W).
+inline double ShelfTangent(const ModelPlan& p, double f) {
+  const double w = f / p.terms[0].corner;
+  const double ww = w * w;
+  const double wq = w / p.shelfQ;
+  const double shape = p.lowShelfShape ? 1.0 - ww * p.a - ww + p.a : p.a - ww - 1.0 + ww * p.a;
+  const double den = GuardZero(wq * wq * p.a + (1.0 - ww * p.a) * (p.a - ww));
+  return std::sqrt(p.a) * wq * shape / den;
+}
+
+// A second-order section: t = -(f/fc)/Q over d = 1 - (f/fc)^2, a zero d guarded.
+inline double SectionTangent(const PhaseTerm& term, double f) {
+  const double x = f / term.corner;
+  return -x / term.q / GuardZero(1.0 - x * x);
+}
+
+inline double FirstOrderTangent(const PhaseTerm& term, double f) {
+  return -f / term.corner;
+}
+
+inline double TermTangent(const ModelPlan& p, const PhaseTerm& term, double f) {
+  switch (term.kind) {
+    case TermKind::kBell:
+      return BellTangent(p, f);
+    case TermKind::kShelf:
+      return ShelfTangent(p, f);
+    case TermKind::kFirstOrder:
+      return FirstOrderTangent(term, f);
+    case TermKind::kSection:
+      return SectionTangent(term, f);
+  }
+  return 0.0;
+}
+
+// The value behind a plan's magnitude: dB for a bell, the ratio to take 20 log10 of otherwise.
+inline double MagnitudeValue(const ModelPlan& p, bool highPass, double f) {
+  switch (p.form) {
+    case MagnitudeForm::kZero:
+      return 1.0;
+    case MagnitudeForm::kBell:
+      return BellDb(p, f);
+    case MagnitudeForm::kLowShelf:
+    case MagnitudeForm::kHighShelf:
+      return ShelfRatio(p, f);
+    case MagnitudeForm::kButterworth:
+      return ButterworthRatio(p, highPass, f);
+    case MagnitudeForm::kBesselLow:
+      return BesselLowRatio(p, f);
+    case MagnitudeForm::kBesselHigh:
+      return BesselHighRatio(p, f);
+  }
+  return 1.0;
+}
+
+inline float MagnitudeDb(const ModelPlan& p, double value) {
+  if (p.form == MagnitudeForm::kBell) return ToFloat(value);
+  if (p.form == MagnitudeForm::kZero) return 0.0f;
+  return ToFloat(p.magnitudeScale * Log10(value));
+}
+
+inline float Degrees(double angle, int turns, double offset) {
+  return ToFloat((angle - turns * kPi + offset) * kRadiansToDegrees);
+}
+
+inline bool Unwrapped(const PhaseTerm& term) {
+  return term.kind == TermKind::kShelf || term.kind == TermKind::kSection;
+}
+
+// A term's phase from its tangent ratio and arc tangent: shelves and sections are unwrapped
+// with their counter, n half-turns taken off.
+inline float TermDegrees(const PhaseTerm& term, float f, double r, double angle,
+                         PhaseUnwrapState& state) {
+  int turns = 0;
+  if (term.kind == TermKind::kShelf) turns = UpdateUnwrap(f, r, state.shelfTurns, state);
+  if (term.kind == TermKind::kSection) turns = UpdateUnwrap(f, r, state.sectionTurns, state);
+  return Degrees(angle, turns, term.offset);
+}
+
+inline float SumTerms(const ModelPlan& p, float first, float second) {
+  if (p.termCount < 2) return first;
+  return ToFloat(static_cast<double>(first) + static_cast<double>(second));
+}
+
+PhaseTerm Section(bool highPass, float q, double corner) {
+  return {TermKind::kSection, q, static_cast<float>(corner), highPass ? kPi : 0.0};
+}
+
+PhaseTerm FirstOrder(bool highPass, double corner) {
+  return {TermKind::kFirstOrder, 1.0, corner, highPass ? kPi / 2.0 : 0.0};
 }
 
 }  // namespace
+
+namespace detail {
+
+PointResponse PlanAt(const ModelPlan& plan, float f, PhaseUnwrapState& state) {
+  const bool highPass = plan.highPass;
+  PointResponse response;
+  response.magnitudeDb = MagnitudeDb(plan, MagnitudeValue(plan, highPass, f));
+  float terms[2] = {0.0f, 0.0f};
+  for (int t = 0; t < plan.termCount; ++t) {
+    const double r = TermTangent(plan, plan.terms[t], f);
+    terms[t] = TermDegrees(plan.terms[t], f, r, ArcTan(r), state);
+  }
+  response.phaseDeg = SumTerms(plan, terms[0], terms[1]);
+  return response;
+}
+
+// The same arithmetic as PlanAt, loop by loop: the values and the tangents first (no state,
+// so every loop has a single operation on independent points), then the unwrapping in grid
+// order, which is the only part that depends on the point before.
+void FillPlan(const ModelPlan& plan, Curve& magnitude, Curve& phase, PhaseUnwrapState& state) {
+  const auto& grid = kGridFrequencies;
+  std::array<double, kGridPointCount> values;
+  std::array<std::array<double, kGridPointCount>, 2> tangents;
+  std::array<std::array<double, kGridPointCount>, 2> angles;
+  switch (plan.form) {  // one loop per form, so each loop body is branch-free
+    case MagnitudeForm::kZero:
+      values.fill(1.0);
+      break;
+    case MagnitudeForm::kBell:
+      for (std::size_t i = 0; i < grid.size(); ++i)
+        values[i] = BellDb(plan, grid[i]);
+      break;
+    case MagnitudeForm::kLowShelf:
+    case MagnitudeForm::kHighShelf:
+      for (std::size_t i = 0; i < grid.size(); ++i)
+        values[i] = ShelfRatio(plan, grid[i]);
+      break;
+    case MagnitudeForm::kButterworth:
+      if (plan.order == 1) FillButterworth<1>(plan, values);
+      if (plan.order == 2) FillButterworth<2>(plan, values);
+      if (plan.order == 3) FillButterworth<3>(plan, values);
+      if (plan.order == 4) FillButterworth<4>(plan, values);
+      break;
+    case MagnitudeForm::kBesselLow:
+      for (std::size_t i = 0; i < grid.size(); ++i)
+        values[i] = BesselLowRatio(plan, grid[i]);
+      break;
+    case MagnitudeForm::kBesselHigh:
+      for (std::size_t i = 0; i < grid.size(); ++i)
+        values[i] = BesselHighRatio(plan, grid[i]);
+      break;
+  }
+  if (plan.form == MagnitudeForm::kBell) {
+    for (std::size_t i = 0; i < grid.size(); ++i)
+      magnitude.Points()[i] = ToFloat(values[i]);
+  } else {
+    for (std::size_t i = 0; i < grid.size(); ++i)
+      magnitude.Points()[i] = MagnitudeDb(plan, values[i]);
+  }
+  for (int t = 0; t < plan.termCount; ++t) {
+    const PhaseTerm& term = plan.terms[t];
+    auto& tangent = tangents[static_cast<std::size_t>(t)];
+    switch (term.kind) {
+      case TermKind::kBell:
+        for (std::size_t i = 0; i < grid.size(); ++i)
+          tangent[i] = BellTangent(plan, grid[i]);
+        break;
+      case TermKind::kShelf:
+        for (std::size_t i = 0; i < grid.size(); ++i)
+          tangent[i] = ShelfTangent(plan, grid[i]);
+        break;
+      case TermKind::kFirstOrder:
+        for (std::size_t i = 0; i < grid.size(); ++i)
+          tangent[i] = FirstOrderTangent(term, grid[i]);
+        break;
+      case TermKind::kSection:
+        for (std::size_t i = 0; i < grid.size(); ++i)
+          tangent[i] = SectionTangent(term, grid[i]);
+        break;
+    }
+    auto& angle = angles[static_cast<std::size_t>(t)];
+    ArcTanOfEach(tangent.data(), angle.data(), kGridPointCount);
+  }
+  if (plan.termCount == 1 && !Unwrapped(plan.terms[0])) {
+    for (std::size_t i = 0; i < grid.size(); ++i)
+      phase.Points()[i] = Degrees(angles[0][i], 0, plan.terms[0].offset);
+    return;
+  }
+  for (std::size_t i = 0; i < grid.size(); ++i) {
+    float terms[2] = {0.0f, 0.0f};
+    for (std::size_t t = 0; t < static_cast<std::size_t>(plan.termCount); ++t)
+      terms[t] = TermDegrees(plan.terms[t], grid[i], tangents[t][i], angles[t][i], state);
+    phase[static_cast<int>(i)] = SumTerms(plan, terms[0], terms[1]);
+  }
+}
+
+}  // namespace detail
 
 double Log10(double x) {
   return std::log(x) / std::log(10.0);
@@ -145,26 +376,13 @@ float BellQFactor(double gainDb) {
 int UpdateUnwrap(float f, double r, std::int16_t& counter, PhaseUnwrapState& state) {
   state.sign = Sgn(r);
   if (f == kGridStart) state.previousSign = state.sign;
-  const double s = std::sin(std::atan(r));
-  if (s > kSineThreshold && state.previousSign < 0 && state.sign >= 1) {
+  if (r > kSteepTangent && state.previousSign < 0 && state.sign >= 1) {
     ++counter;
-  } else if (s < -kSineThreshold && state.previousSign >= 1 && state.sign < 0) {
+  } else if (r < -kSteepTangent && state.previousSign >= 1 && state.sign < 0) {
     --counter;
   }
   state.previousSign = state.sign;
   return counter;
-}
-
-float LowPassSectionPhase(float q, float f, float fc, PhaseUnwrapState& state) {
-  const double r = SectionRatio(q, f, fc);
-  const int turns = UpdateUnwrap(f, r, state.sectionTurns, state);
-  return ToFloat((std::atan(r) - turns * kPi) * kRadiansToDegrees);
-}
-
-float HighPassSectionPhase(float q, float f, float fc, PhaseUnwrapState& state) {
-  const double r = SectionRatio(q, f, fc);
-  const int turns = UpdateUnwrap(f, r, state.sectionTurns, state);
-  return ToFloat((std::atan(r) - turns * kPi + kPi) * kRadiansToDegrees);
 }
 
 float DelayPhase(float f, std::int32_t samples) {
@@ -176,168 +394,140 @@ float ChannelPhasePoint(float phaseSum, bool polarityInverted) {
   return WrapDegrees(phase);
 }
 
+float LowPassSectionPhase(float q, float f, float fc, PhaseUnwrapState& state) {
+  const PhaseTerm term = Section(false, q, fc);
+  const double r = SectionTangent(term, f);
+  return TermDegrees(term, f, r, ArcTan(r), state);
+}
+
+float HighPassSectionPhase(float q, float f, float fc, PhaseUnwrapState& state) {
+  const PhaseTerm term = Section(true, q, fc);
+  const double r = SectionTangent(term, f);
+  return TermDegrees(term, f, r, ArcTan(r), state);
+}
+
 float BellMagnitude(const BandSettings& band, float f) {
-  return EqBandModel(band).Magnitude(f);
+  PhaseUnwrapState unused;
+  return EqBandModel(band).At(f, unused).magnitudeDb;
 }
 
 float BellPhase(const BandSettings& band, float f) {
   PhaseUnwrapState unused;  // bells are not unwrapped
-  return EqBandModel(band).Phase(f, unused);
+  return EqBandModel(band).At(f, unused).phaseDeg;
 }
 
 float ShelfMagnitude(const BandSettings& band, float f) {
-  return EqBandModel(band).Magnitude(f);
+  PhaseUnwrapState unused;  // a copy: the magnitude leaves the unwrapper alone
+  return EqBandModel(band).At(f, unused).magnitudeDb;
 }
 
 float ShelfPhase(const BandSettings& band, float f, PhaseUnwrapState& state) {
-  return EqBandModel(band).Phase(f, state);
+  return EqBandModel(band).At(f, state).phaseDeg;
 }
 
-EqBandModel::EqBandModel(const BandSettings& band)
-    : gainDb_(band.gainDb), f0_(band.frequencyHz), a_(GainFactor(band.gainDb)) {
+EqBandModel::EqBandModel(const BandSettings& band) {
   CheckIndex(band.widthIndex, kWidthCount - 1, "band width index");
   CheckIndex(band.gainStep, kGainStepMax, "band gain step");
+  ModelPlan& p = plan_;
+  p.gainDb = band.gainDb;
+  p.f0 = band.frequencyHz;
+  p.a = GainFactor(band.gainDb);
+  p.termCount = 1;
   if (band.widthIndex >= kShelfCodeCount) {
     const double q = params::QValueTable[static_cast<std::size_t>(band.widthIndex - 4)];
-    qm_ = q / static_cast<double>(BellQFactor(band.gainDb));
+    p.form = MagnitudeForm::kBell;
+    p.qm = q / static_cast<double>(BellQFactor(band.gainDb));
+    p.bellTilt = (p.a * p.a - 1.0) / p.a;
+    p.terms[0] = {TermKind::kBell, 1.0, 1.0, 0.0};
     return;
   }
-  shelfCode_ = band.widthIndex;
-  const bool twelve = shelfCode_ == 0 || shelfCode_ == 2;
-  const bool high = shelfCode_ <= 1;
+  // Codes 0..3: "HiSHF -12dB", "HiSHF -6dB", "LoSHF -12dB", "LoSHF -6dB".
+  const int code = band.widthIndex;
+  const bool twelve = code == 0 || code == 2;
+  const bool high = code <= 1;
+  p.form = high ? MagnitudeForm::kHighShelf : MagnitudeForm::kLowShelf;
+  p.lowShelfShape = !high;
   const double corner = twelve ? kShelfCorner12 : kShelfCorner6;
-  phaseCorner_ = high ? f0_ * corner : f0_ / corner;
-  shelfQ_ = twelve ? kShelfQ12 : kShelfQ6;
-  slope_ = twelve ? kShelfSlope12 : kShelfSlope6;
+  p.terms[0] = {TermKind::kShelf, 1.0, high ? p.f0 * corner : p.f0 / corner, 0.0};
+  p.shelfQ = twelve ? kShelfQ12 : kShelfQ6;
+  p.slope = twelve ? kShelfSlope12 : kShelfSlope6;
   const auto step = static_cast<std::size_t>(band.gainStep);
   const double correction = twelve ? params::T12[step] : params::T6[step];
-  if (shelfCode_ == 0) {
-    magnitudeCorner_ = f0_ / (static_cast<double>(kHighShelf12Extra) * correction);
+  if (code == 0) {
+    p.magnitudeCorner = p.f0 / (static_cast<double>(kHighShelf12Extra) * correction);
   } else {
-    magnitudeCorner_ = high ? f0_ / correction : f0_ * correction;
+    p.magnitudeCorner = high ? p.f0 / correction : p.f0 * correction;
   }
 }
 
-PointResponse EqBandModel::At(float f, PhaseUnwrapState& state) const {
-  return {Magnitude(f), Phase(f, state)};
-}
-
-float EqBandModel::Magnitude(float f) const {
-  const double fd = f;
-  if (!IsShelf()) {
-    // A resonance curve in the dB domain, not a peaking biquad's exact magnitude.
-    const double detune = f0_ / fd - fd / f0_;
-    return ToFloat(gainDb_ / (1.0 + qm_ * qm_ * detune * detune));
-  }
-  const double w = fd / magnitudeCorner_;
-  const double ww = w * w;
-  const double cross = a_ * ww / slope_;
-  const double low = std::sqrt((a_ - ww) * (a_ - ww) + cross);
-  const double high = std::sqrt((1.0 - a_ * ww) * (1.0 - a_ * ww) + cross);
-  const bool lowShelf = shelfCode_ >= 2;
-  const double n = a_ * (lowShelf ? low : high);
-  const double d = lowShelf ? high : low;
-  return ToFloat(20.0 * Log10(n / d));
-}
-
-float EqBandModel::Phase(float f, PhaseUnwrapState& state) const {
-  const double fd = f;
-  if (!IsShelf()) {
-    // The analog peaking section folded into one arc tangent, not unwrapped: -90..+90.
-    const double w = fd / f0_;
-    const double wq = w / qm_;
-    const double num = (1.0 - w * w) * wq * (a_ * a_ - 1.0) / a_;
-    const double den = GuardZero((1.0 - w * w) * (1.0 - w * w) + wq * wq);
-    return ToFloat(std::atan(num / den) * kRadiansToDegrees);
-  }
-  const double w = fd / phaseCorner_;
-  const double ww = w * w;
-  const double wq = w / shelfQ_;
-  const double shape = shelfCode_ <= 1 ? a_ - ww - 1.0 + ww * a_ : 1.0 - ww * a_ - ww + a_;
-  const double num = std::sqrt(a_) * wq * shape;
-  const double den = GuardZero(wq * wq * a_ + (1.0 - ww * a_) * (a_ - ww));
-  const double r = num / den;
-  const int turns = UpdateUnwrap(f, r, state.shelfTurns, state);
-  return ToFloat((std::atan(r) - turns * kPi) * kRadiansToDegrees);
-}
-
-CrossoverModel::CrossoverModel(bool highPass, const CrossoverSettings& filter)
-    : highPass_(highPass), type_(CrossoverType::kNone), fc_(filter.frequencyHz) {
+// The magnitude and the sections of each type's phase. Two sections of one cascade share the
+// section counter and the tangent signs; both sit at the same corner, so their tangents change
+// sign at the same grid point and the cascade turns by whole half-turns together.
+CrossoverModel::CrossoverModel(bool highPass, const CrossoverSettings& filter) {
   CheckIndex(filter.type, kCrossoverTypeCount - 1, "crossover type");
-  type_ = static_cast<CrossoverType>(filter.type);
-}
-
-PointResponse CrossoverModel::At(float f, PhaseUnwrapState& state) const {
-  if (type_ == CrossoverType::kNone) return {};
-  const double magnitude = Magnitude(f);
-  return {ToFloat(magnitude), ToFloat(Phase(f, state))};
-}
-
-double CrossoverModel::Magnitude(double f) const {
-  switch (type_) {
+  ModelPlan& p = plan_;
+  const double fc = filter.frequencyHz;
+  p.magnitudeCorner = fc;
+  p.highPass = highPass;
+  p.form = MagnitudeForm::kButterworth;
+  const auto butterworth = [&](int order, double scale) {
+    p.order = order;
+    p.magnitudeScale = scale;
+  };
+  const auto terms = [&](PhaseTerm first, std::optional<PhaseTerm> second) {
+    p.terms[0] = first;
+    p.termCount = 1;
+    if (second) {
+      p.terms[1] = *second;
+      p.termCount = 2;
+    }
+  };
+  switch (static_cast<CrossoverType>(filter.type)) {
     case CrossoverType::kNone:
-      return 0.0;
+      p.form = MagnitudeForm::kZero;
+      break;
     case CrossoverType::kButterworth6:
-      return ButterworthDb(highPass_, 1, f, fc_);
+      butterworth(1, 20.0);
+      terms(FirstOrder(highPass, fc), std::nullopt);
+      break;
     case CrossoverType::kButterworth12:
-      return ButterworthDb(highPass_, 2, f, fc_);
+      butterworth(2, 20.0);
+      terms(Section(highPass, kQ707, fc), std::nullopt);
+      break;
     case CrossoverType::kLinkwitzRiley12:
-      return 2.0 * ButterworthDb(highPass_, 1, f, fc_);
+      butterworth(1, 40.0);
+      terms(FirstOrder(highPass, fc), FirstOrder(highPass, fc));
+      break;
     case CrossoverType::kBessel12:
-      return BesselDb(highPass_, kBessel12Scale, f, fc_);
-    case CrossoverType::kButterworth18:
-      return ButterworthDb(highPass_, 3, f, fc_);
-    case CrossoverType::kButterworth24:
-      return ButterworthDb(highPass_, 4, f, fc_);
-    case CrossoverType::kLinkwitzRiley24:
-      return 2.0 * ButterworthDb(highPass_, 2, f, fc_);
-    case CrossoverType::kBessel24:
-      return 2.0 * BesselDb(highPass_, kBessel24Scale, f, fc_);
-  }
-  return 0.0;
-}
-
-// The sections each type's phase is modelled with. Two sections of one cascade share the
-// section counter and the tangent signs; both sit at the same corner, so their tangents
-// change sign at the same grid point and the cascade turns by whole half-turns together.
-double CrossoverModel::Phase(float f, PhaseUnwrapState& state) const {
-  const auto fc = static_cast<float>(fc_);
-  const bool hp = highPass_;
-  switch (type_) {
-    case CrossoverType::kNone:
-      return 0.0;
-    case CrossoverType::kButterworth6:
-      return FirstOrderPhase(hp, f, fc_);
-    case CrossoverType::kButterworth12:
-      return SectionPhase(hp, kQ707, f, fc, state);
-    case CrossoverType::kLinkwitzRiley12:
-      return FirstOrderPhase(hp, f, fc_) + FirstOrderPhase(hp, f, fc_);
-    case CrossoverType::kBessel12: {
       // The phase corner is fc / 0.52 for the low-pass and fc * 0.52 for the high-pass: the
       // opposite of the magnitude's scaling. Kept so.
-      const double corner = hp ? fc_ * kBessel12Scale : fc_ / kBessel12Scale;
-      return SectionPhase(hp, kQ577, f, static_cast<float>(corner), state);
-    }
-    case CrossoverType::kButterworth18: {
-      const double first = FirstOrderPhase(hp, f, fc_);
-      return first + SectionPhase(hp, kQ100, f, fc, state);
-    }
-    case CrossoverType::kButterworth24: {
-      const double first = SectionPhase(hp, kQ1307, f, fc, state);
-      return first + SectionPhase(hp, kQ541, f, fc, state);
-    }
-    case CrossoverType::kLinkwitzRiley24: {
-      const double first = SectionPhase(hp, kQ707, f, fc, state);
-      return first + SectionPhase(hp, kQ707, f, fc, state);
-    }
+      p.form = highPass ? MagnitudeForm::kBesselHigh : MagnitudeForm::kBesselLow;
+      p.besselScale = kBessel12Scale;
+      terms(Section(highPass, kQ577, highPass ? fc * kBessel12Scale : fc / kBessel12Scale),
+            std::nullopt);
+      break;
+    case CrossoverType::kButterworth18:
+      butterworth(3, 20.0);
+      terms(FirstOrder(highPass, fc), Section(highPass, kQ100, fc));
+      break;
+    case CrossoverType::kButterworth24:
+      butterworth(4, 20.0);
+      terms(Section(highPass, kQ1307, fc), Section(highPass, kQ541, fc));
+      break;
+    case CrossoverType::kLinkwitzRiley24:
+      butterworth(2, 40.0);
+      terms(Section(highPass, kQ707, fc), Section(highPass, kQ707, fc));
+      break;
     case CrossoverType::kBessel24: {
       // Low-pass sections at fc, high-pass sections at fc * 0.649.
-      const auto corner = hp ? static_cast<float>(fc_ * kBessel24Scale) : fc;
-      const double first = SectionPhase(hp, kQ522, f, corner, state);
-      return first + SectionPhase(hp, kQ806, f, corner, state);
+      p.form = highPass ? MagnitudeForm::kBesselHigh : MagnitudeForm::kBesselLow;
+      p.besselScale = kBessel24Scale;
+      p.magnitudeScale = 40.0;
+      const double corner = highPass ? fc * kBessel24Scale : fc;
+      terms(Section(highPass, kQ522, corner), Section(highPass, kQ806, corner));
+      break;
     }
   }
-  return 0.0;
 }
 
 }  // namespace talvex::graph

@@ -82,19 +82,16 @@ void ResponseTables::ComputeAll(const ResponseSettings& settings) {
     ComputeChannelSums(settings, channel);
 }
 
-// Walks the grid into the scratch curves and copies them over when no fault flag went up. On a
-// fault the walk is repeated from the same unwrap state straight into the tables, point by
-// point, and stops at the first point that raises a flag, which keeps its old value. The
-// caller clears the flags before it sets up the pass.
-template <typename Point>
+// Fills the scratch curves over the whole grid and copies them over when no fault flag went
+// up. On a fault the walk is repeated from the same unwrap state straight into the tables,
+// point by point with the same arithmetic, and stops at the first point that raises a flag,
+// which keeps its old value; a walk that meets no fault stands (the vector loops' flags are then
+// taken as spurious). The caller clears the flags before it sets up the pass.
+template <typename Fill, typename Point>
 void ResponseTables::RunPass(Curve& magnitude, Curve& phase, const char* element, int index,
-                             Point point) {
+                             Fill fill, Point point) {
   const PhaseUnwrapState start = unwrap_;
-  for (int i = 0; i < kGridPointCount; ++i) {
-    const PointResponse response = point(i, kGridFrequencies[static_cast<std::size_t>(i)]);
-    scratchMagnitude_[i] = response.magnitudeDb;
-    scratchPhase_[i] = response.phaseDeg;
-  }
+  fill(scratchMagnitude_, scratchPhase_);
   if (std::fetestexcept(kFaultFlags) == 0) {
     magnitude.Points() = scratchMagnitude_.Points();
     phase.Points() = scratchPhase_.Points();
@@ -114,7 +111,6 @@ void ResponseTables::RunPass(Curve& magnitude, Curve& phase, const char* element
       throw Fault(element, index, " at " + std::to_string(GridHz(i)) + " Hz");
     }
   }
-  throw Fault(element, index, "");  // the fault did not come again: report it all the same
 }
 
 void ResponseTables::FillBand(const ResponseSettings& settings, int band) {
@@ -133,7 +129,9 @@ void ResponseTables::FillBand(const ResponseSettings& settings, int band) {
     return;
   }
   unwrap_.shelfTurns = 0;
-  RunPass(magnitude, phase, "band", band, [&](int, float f) { return model.At(f, unwrap_); });
+  RunPass(
+      magnitude, phase, "band", band, [&](Curve& m, Curve& p) { model.Fill(m, p, unwrap_); },
+      [&](int, float f) { return model.At(f, unwrap_); });
 }
 
 void ResponseTables::FillCrossover(const ResponseSettings& settings, int filterSlot) {
@@ -144,9 +142,11 @@ void ResponseTables::FillCrossover(const ResponseSettings& settings, int filterS
   const CrossoverModel model(IsHighPassSlot(filterSlot), filter);
   ThrowIfFaulted("crossover filter", filterSlot);
   unwrap_.sectionTurns = 0;
-  RunPass(crossoverMagnitude_[static_cast<std::size_t>(filterSlot)],
-          crossoverPhase_[static_cast<std::size_t>(filterSlot)], "crossover filter", filterSlot,
-          [&](int, float f) { return model.At(f, unwrap_); });
+  RunPass(
+      crossoverMagnitude_[static_cast<std::size_t>(filterSlot)],
+      crossoverPhase_[static_cast<std::size_t>(filterSlot)], "crossover filter", filterSlot,
+      [&](Curve& m, Curve& p) { model.Fill(m, p, unwrap_); },
+      [&](int, float f) { return model.At(f, unwrap_); });
 }
 
 // A delay phase is at most about 3.3e11 degrees (2^31 samples at 20 kHz): it cannot fault.
@@ -180,11 +180,19 @@ void ResponseTables::SumChannel(const ResponseSettings& settings, int channel) {
   const Curve& delay = delayPhase_[c];
   const bool inverted = settings.channels[c].polarityInverted;
   std::feclearexcept(kFaultFlags);
-  RunPass(channelMagnitude_[c], channelPhase_[c], "channel", channel, [&](int i, float) {
+  const auto point = [&](int i, float) {
     const auto p = static_cast<std::size_t>(i);
     return PointResponse{static_cast<float>(magnitudeSum[p]),
                          ChannelPhasePoint(static_cast<float>(phaseSum[p] + delay[i]), inverted)};
-  });
+  };
+  const auto fill = [&](Curve& m, Curve& p) {
+    for (int i = 0; i < kGridPointCount; ++i) {
+      const PointResponse response = point(i, 0.0f);
+      m[i] = response.magnitudeDb;
+      p[i] = response.phaseDeg;
+    }
+  };
+  RunPass(channelMagnitude_[c], channelPhase_[c], "channel", channel, fill, point);
 }
 
 const Curve& ResponseTables::BandMagnitude(int band) const {

@@ -50,8 +50,9 @@ class ResponseTables {
   const PhaseUnwrapState& UnwrapState() const { return unwrap_; }
 
  private:
-  template <typename Point>
-  void RunPass(Curve& magnitude, Curve& phase, const char* element, int index, Point point);
+  template <typename Fill, typename Point>
+  void RunPass(Curve& magnitude, Curve& phase, const char* element, int index, Fill fill,
+               Point point);
   void FillBand(const ResponseSettings& settings, int band);
   void FillCrossover(const ResponseSettings& settings, int filterSlot);
   void FillDelay(const ResponseSettings& settings, int channel);

@@ -2,10 +2,30 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <memory>
+#include <string>
+
+#include "graph/arc_tangent.h"
 #include "protocol/frame.h"
 
 namespace talvex::graph {
 namespace {
+
+TEST(ArcTanTest, shouldAgreeWithTheStandardLibraryToTheLastBitsOverEveryRange) {
+  // Tangents from 1e-8 to 1e17 (a zero-guarded corner), both signs, across the reduction
+  // boundaries 0.66 and tan(3 pi / 8).
+  double worst = 0.0;
+  for (double x = 1e-8; x < 1e17; x *= 1.0007) {
+    for (double sign : {1.0, -1.0}) {
+      const double expected = std::atan(sign * x);
+      worst = std::max(worst, std::fabs(ArcTan(sign * x) - expected) / std::fabs(expected));
+    }
+  }
+  EXPECT_LT(worst, 4.5e-16);
+  EXPECT_EQ(ArcTan(0.0), 0.0);
+  EXPECT_DOUBLE_EQ(ArcTan(1.0), std::atan(1.0));
+}
 
 TEST(BellQFactorTest, shouldMatchGainsExactlyOnTheTenthDbGridWithTheGapAtOneDb) {
   const struct {
@@ -114,6 +134,40 @@ TEST(EqBandModelTest, shouldRefuseWidthsAndGainStepsOutsideTheTables) {
   EXPECT_THROW(EqBandModel(Band(64, 30, 1000.0)), IndexError);
   EXPECT_THROW(EqBandModel(Band(2, 61, 1000.0)), IndexError);
   EXPECT_THROW(CrossoverModel(false, {1000.0, 9}), IndexError);
+}
+
+}  // namespace
+}  // namespace talvex::graph
+
+namespace talvex::graph {
+namespace {
+
+// The grid form of every model gives the point form's values bit for bit, the unwrapped phases
+// of shelves and sections included.
+template <typename Model>
+void ExpectFillMatchesPoints(const Model& model, const std::string& what) {
+  auto curves = std::make_unique<std::array<Curve, 2>>();
+  PhaseUnwrapState filled;
+  PhaseUnwrapState pointwise;
+  model.Fill((*curves)[0], (*curves)[1], filled);
+  for (int i = 0; i < kGridPointCount; ++i) {
+    const PointResponse point = model.At(kGridFrequencies[static_cast<std::size_t>(i)], pointwise);
+    ASSERT_EQ((*curves)[0][i], point.magnitudeDb) << what << " at " << GridHz(i);
+    ASSERT_EQ((*curves)[1][i], point.phaseDeg) << what << " at " << GridHz(i);
+  }
+  EXPECT_EQ(filled.sectionTurns, pointwise.sectionTurns) << what;
+  EXPECT_EQ(filled.shelfTurns, pointwise.shelfTurns) << what;
+}
+
+TEST(FillTest, shouldGiveThePointFormsValuesForEveryModel) {
+  for (int width : {0, 1, 2, 3, 4, 30, 63})
+    for (int step : {0, 22, 45})
+      ExpectFillMatchesPoints(EqBandModel({step / 2.0 - 15.0, 315.0, width, step}),
+                              "width " + std::to_string(width) + " step " + std::to_string(step));
+  for (int type = 0; type < kCrossoverTypeCount; ++type)
+    for (bool highPass : {false, true})
+      ExpectFillMatchesPoints(CrossoverModel(highPass, {1000.0, type}),
+                              "type " + std::to_string(type) + (highPass ? " hp" : " lp"));
 }
 
 }  // namespace
