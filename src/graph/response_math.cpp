@@ -80,6 +80,8 @@ using detail::TermKind;
 // 20 log10 is the magnitude, or a phase term's tangent ratio.
 
 // A resonance curve in the dB domain, not a peaking biquad's exact magnitude.
+// Ratios of f to a corner or centre stay divisions: at the corner they must come out as exactly
+// 1, where the zero guard and the flat centre of a bell take over.
 inline double BellDb(const ModelPlan& p, double f) {
   const double detune = p.f0 / f - f / p.f0;
   return p.gainDb / (1.0 + p.qm * p.qm * detune * detune);
@@ -144,7 +146,7 @@ inline double BesselHighRatio(const ModelPlan& p, double f) {
 // (1 - w^2)(w/Qm)(A^2 - 1)/A over (1 - w^2)^2 + (w/Qm)^2, with w = f/F0.
 inline double BellTangent(const ModelPlan& p, double f) {
   const double w = f / p.f0;
-  const double wq = w / p.qm;
+  const double wq = w * p.inverseQm;
   const double u = 1.0 - w * w;
   return u * wq * p.bellTilt / GuardZero(u * u + wq * wq);
 }
@@ -154,7 +156,7 @@ inline double BellTangent(const ModelPlan& p, double f) {
 inline double ShelfTangent(const ModelPlan& p, double f) {
   const double w = f / p.terms[0].corner;
   const double ww = w * w;
-  const double wq = w / p.shelfQ;
+  const double wq = w * p.inverseShelfQ;
   const double shape = p.lowShelfShape ? 1.0 - ww * p.a - ww + p.a : p.a - ww - 1.0 + ww * p.a;
   const double den = GuardZero(wq * wq * p.a + (1.0 - ww * p.a) * (p.a - ww));
   return std::sqrt(p.a) * wq * shape / den;
@@ -163,7 +165,7 @@ inline double ShelfTangent(const ModelPlan& p, double f) {
 // A second-order section: t = -(f/fc)/Q over d = 1 - (f/fc)^2, a zero d guarded.
 inline double SectionTangent(const PhaseTerm& term, double f) {
   const double x = f / term.corner;
-  return -x / term.q / GuardZero(1.0 - x * x);
+  return -x * term.inverseQ / GuardZero(1.0 - x * x);
 }
 
 inline double FirstOrderTangent(const PhaseTerm& term, double f) {
@@ -233,12 +235,23 @@ inline float SumTerms(const ModelPlan& p, float first, float second) {
   return ToFloat(static_cast<double>(first) + static_cast<double>(second));
 }
 
+PhaseTerm Term(TermKind kind, double q, double corner, double offset) {
+  PhaseTerm term;
+  term.kind = kind;
+  term.q = q;
+  term.corner = corner;
+  term.offset = offset;
+  term.inverseQ = 1.0 / q;
+  return term;
+}
+
+// A section's corner is a single-precision value.
 PhaseTerm Section(bool highPass, float q, double corner) {
-  return {TermKind::kSection, q, static_cast<float>(corner), highPass ? kPi : 0.0};
+  return Term(TermKind::kSection, q, static_cast<float>(corner), highPass ? kPi : 0.0);
 }
 
 PhaseTerm FirstOrder(bool highPass, double corner) {
-  return {TermKind::kFirstOrder, 1.0, corner, highPass ? kPi / 2.0 : 0.0};
+  return Term(TermKind::kFirstOrder, 1.0, corner, highPass ? kPi / 2.0 : 0.0);
 }
 
 }  // namespace
@@ -261,7 +274,8 @@ PointResponse PlanAt(const ModelPlan& plan, float f, PhaseUnwrapState& state) {
 // The same arithmetic as PlanAt, loop by loop: the values and the tangents first (no state,
 // so every loop has a single operation on independent points), then the unwrapping in grid
 // order, which is the only part that depends on the point before.
-void FillPlan(const ModelPlan& plan, Curve& magnitude, Curve& phase, PhaseUnwrapState& state) {
+TALVEX_GRID_LOOPS void FillPlan(const ModelPlan& plan, Curve& magnitude, Curve& phase,
+                                PhaseUnwrapState& state) {
   const auto& grid = kGridFrequencies;
   std::array<double, kGridPointCount> values;
   std::array<std::array<double, kGridPointCount>, 2> tangents;
@@ -344,16 +358,12 @@ double Log10(double x) {
   return std::log(x) / std::log(10.0);
 }
 
-float WrapDegrees(float& angle) {
-  if (std::isnan(angle) || std::isinf(angle)) return angle;
-  // Stepping by 360 is exact in single precision below 2^27 degrees, so the whole number of
-  // turns is taken at once, which gives the same value as stepping and keeps a long delay at
-  // 20 kHz from costing millions of steps. Beyond that range stepping would no longer change the
-  // value; the one-step fold still ends inside the range.
+float FoldManyTurns(float& angle) {
+  // Beyond 2^27 degrees a step of 360 no longer changes a single-precision value; the fold is
+  // taken in one step instead, which also ends inside the range.
   const double x = angle;
-  double turns = 0.0;
-  if (x > 180.0) turns = std::ceil((x - 180.0) / 360.0);
-  if (x < -180.0) turns = -std::ceil((-180.0 - x) / 360.0);
+  const double turns =
+      x > 180.0 ? std::ceil((x - 180.0) / 360.0) : -std::ceil((-180.0 - x) / 360.0);
   angle = static_cast<float>(x - 360.0 * turns);
   while (angle < -180.0f)
     angle += 360.0f;
@@ -383,15 +393,6 @@ int UpdateUnwrap(float f, double r, std::int16_t& counter, PhaseUnwrapState& sta
   }
   state.previousSign = state.sign;
   return counter;
-}
-
-float DelayPhase(float f, std::int32_t samples) {
-  return ToFloat(static_cast<double>(f) * kPi * samples / kDelayPhaseDivisor * kRadiansToDegrees);
-}
-
-float ChannelPhasePoint(float phaseSum, bool polarityInverted) {
-  float phase = polarityInverted ? phaseSum - kPolarityShift : phaseSum;
-  return WrapDegrees(phase);
 }
 
 float LowPassSectionPhase(float q, float f, float fc, PhaseUnwrapState& state) {
@@ -438,7 +439,8 @@ EqBandModel::EqBandModel(const BandSettings& band) {
     p.form = MagnitudeForm::kBell;
     p.qm = q / static_cast<double>(BellQFactor(band.gainDb));
     p.bellTilt = (p.a * p.a - 1.0) / p.a;
-    p.terms[0] = {TermKind::kBell, 1.0, 1.0, 0.0};
+    p.inverseQm = 1.0 / p.qm;
+    p.terms[0] = Term(TermKind::kBell, 1.0, 1.0, 0.0);
     return;
   }
   // Codes 0..3: "HiSHF -12dB", "HiSHF -6dB", "LoSHF -12dB", "LoSHF -6dB".
@@ -448,8 +450,9 @@ EqBandModel::EqBandModel(const BandSettings& band) {
   p.form = high ? MagnitudeForm::kHighShelf : MagnitudeForm::kLowShelf;
   p.lowShelfShape = !high;
   const double corner = twelve ? kShelfCorner12 : kShelfCorner6;
-  p.terms[0] = {TermKind::kShelf, 1.0, high ? p.f0 * corner : p.f0 / corner, 0.0};
+  p.terms[0] = Term(TermKind::kShelf, 1.0, high ? p.f0 * corner : p.f0 / corner, 0.0);
   p.shelfQ = twelve ? kShelfQ12 : kShelfQ6;
+  p.inverseShelfQ = 1.0 / p.shelfQ;
   p.slope = twelve ? kShelfSlope12 : kShelfSlope6;
   const auto step = static_cast<std::size_t>(band.gainStep);
   const double correction = twelve ? params::T12[step] : params::T6[step];

@@ -8,6 +8,7 @@
 // result is rounded to single precision, as the tables store it.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <stdexcept>
 #include <string>
@@ -56,9 +57,21 @@ struct PointResponse {
 // Log(x) / Log(10), the way every decibel value and the plot's x axis take it.
 double Log10(double x);
 
+float FoldManyTurns(float& angle);
+
 // Folds an angle into -180..+180 by steps of 360 degrees, in place, and returns it. Exactly
-// -180 and +180 are kept.
-float WrapDegrees(float& angle);
+// -180 and +180 are kept. Each step is exact below 2^27 degrees (360 is then a multiple of the
+// angle's last place), so stepping gives the exact remainder; past that the fold is taken at once.
+inline float WrapDegrees(float& angle) {
+  constexpr float kManyTurns = 134217728.0f;  // 2^27
+  if (std::isnan(angle) || std::isinf(angle)) return angle;
+  if (angle > kManyTurns || angle < -kManyTurns) return FoldManyTurns(angle);
+  while (angle < -180.0f)
+    angle += 360.0f;
+  while (angle > 180.0f)
+    angle -= 360.0f;
+  return angle;
+}
 
 // The gain-dependent factor K of a bell's Q: by |gain| in 0.5 dB groups, matched by exact
 // single-precision equality with 0.1, 0.2 .. 15.0 dB. 1.0 dB is in no group (K = 1.0, the
@@ -83,10 +96,16 @@ float LowPassSectionPhase(float q, float f, float fc, PhaseUnwrapState& state);
 float HighPassSectionPhase(float q, float f, float fc, PhaseUnwrapState& state);
 
 // Phase of a delay of `samples` at the 48 kHz sample clock; positive for a positive delay.
-float DelayPhase(float f, std::int32_t samples);
+inline float DelayPhase(float f, std::int32_t samples) {
+  return static_cast<float>(static_cast<double>(f) * kPi * samples / kDelayPhaseDivisor *
+                            kRadiansToDegrees);
+}
 
 // Subtracts 180 degrees for an inverted polarity, then folds.
-float ChannelPhasePoint(float phaseSum, bool polarityInverted);
+inline float ChannelPhasePoint(float phaseSum, bool polarityInverted) {
+  float phase = polarityInverted ? phaseSum - kPolarityShift : phaseSum;
+  return WrapDegrees(phase);
+}
 
 // The pieces of a model worked out once for a pass: how its magnitude is formed and up to two
 // phase terms (one per section of a cascade).
@@ -105,9 +124,10 @@ enum class TermKind { kBell, kShelf, kFirstOrder, kSection };
 
 struct PhaseTerm {
   TermKind kind = TermKind::kBell;
-  double q = 1.0;       // section: its Q (a single-precision constant)
-  double corner = 1.0;  // first-order and section: the corner; shelf: the phase corner
-  double offset = 0.0;  // radians added before the conversion to degrees (high-pass forms)
+  double q = 1.0;         // section: its Q (a single-precision constant)
+  double corner = 1.0;    // first-order and section: the corner; shelf: the phase corner
+  double inverseQ = 1.0;  // 1 / q
+  double offset = 0.0;    // radians added before the conversion to degrees (high-pass forms)
 };
 
 struct ModelPlan {
@@ -123,6 +143,9 @@ struct ModelPlan {
   double shelfQ = 1.0;
   bool lowShelfShape = false;  // the phase numerator of the low shelves
   int order = 1;               // Butterworth order
+  // Reciprocals of the Q values, so the grid loops multiply instead of dividing.
+  double inverseQm = 1.0;
+  double inverseShelfQ = 1.0;
   double besselScale = 1.0;
   bool highPass = false;  // crossover: the high-pass form
   int termCount = 0;
