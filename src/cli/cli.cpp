@@ -11,6 +11,7 @@ const std::vector<CommandSpec>& AllCommands() {
   static const std::vector<CommandSpec> commands = [] {
     std::vector<CommandSpec> table;
     AddLinkCommands(table);
+    AddParamCommands(table);
     return table;
   }();
   return commands;
@@ -23,6 +24,7 @@ void PrintUsage(std::ostream& err) {
          "...\n"
          "  PORT: sim (default), sim:ID,ID,... (add @9600 to pace at the line speed),\n"
          "        tcp:HOST:PORT, or a serial port such as /dev/ttyUSB0 or COM3\n"
+         "  --file: get, set and new work on that preset file and send nothing\n"
          "commands:\n";
   for (const CommandSpec& command : AllCommands()) {
     std::string head =
@@ -30,6 +32,7 @@ void PrintUsage(std::ostream& err) {
     head.resize(std::max<std::size_t>(head.size() + 2, 36), ' ');
     err << head << command.summary << '\n';
   }
+  err << ParamUsage();
 }
 
 struct ParsedLine {

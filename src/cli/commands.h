@@ -18,6 +18,9 @@ struct CommandSpec {
 };
 
 void AddLinkCommands(std::vector<CommandSpec>& commands);
+void AddParamCommands(std::vector<CommandSpec>& commands);
+// What get and set do, and the parameter names, for the usage text.
+std::string ParamUsage();
 
 const std::vector<CommandSpec>& AllCommands();
 

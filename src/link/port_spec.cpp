@@ -96,8 +96,10 @@ PortSpec ParsePortSpec(const std::string& text) {
 std::string ToString(const PortSpec& spec) {
   if (const auto* sim = std::get_if<SimPort>(&spec)) {
     std::string text(kSimPrefix);
-    for (std::size_t i = 0; i < sim->ids.size(); ++i)
-      text += (i == 0 ? ":" : ",") + std::to_string(sim->ids[i]);
+    for (std::size_t i = 0; i < sim->ids.size(); ++i) {
+      text += i == 0 ? ':' : ',';
+      text += std::to_string(sim->ids[i]);
+    }
     if (sim->paced) text += kPacedSuffix;
     return text;
   }

@@ -49,6 +49,8 @@ inline constexpr std::array<std::size_t, 12> CrossoverOffset = {53,  55,  95,  9
 inline constexpr std::array<std::size_t, 8> OutputPlus2 = {0, 0, 46, 88, 130, 172, 214, 256};
 // Polarity byte of outputs (+8); zero for inputs, whose polarity lives in ParamValues only.
 inline constexpr std::array<std::size_t, 8> PolarityOffset = {0, 0, 52, 94, 136, 178, 220, 262};
+// Limiter byte of command 35: inputs +21, outputs +35 (factory 0 everywhere).
+inline constexpr std::array<std::size_t, 8> LimiterOffset = {21, 43, 79, 121, 163, 205, 247, 289};
 // Channel names. Only the output entries (+36, six characters) are image bytes; the input
 // entries are kept as the device's tools have them and are never written.
 inline constexpr std::array<std::size_t, 8> NameOffset = {72, 112, 80, 122, 164, 206, 248, 290};
@@ -68,10 +70,19 @@ inline constexpr std::array<std::size_t, kBandCount> EqBandStart = [] {
   return starts;
 }();
 
+// Global band number of band `bandInChannel` of channel `channel`, and the way back.
+// Throws IndexError for a channel above 7, a band beyond the channel's count or above 51.
+int GlobalBand(int channel, int bandInChannel);
+int ChannelOfBand(int band);
+int BandInChannel(int band);
+constexpr int BandsOf(int channel) {
+  return channel < kInputCount ? kInputBands : kOutputBands;
+}
+
 // Bytes outside the channel blocks.
 inline constexpr std::size_t kSystemTypeByte = 298;
-inline constexpr std::size_t kChannelBitsByte = 299;
-inline constexpr std::size_t kPresetNameByte = 305;  // 305..320, 16 characters
+inline constexpr std::size_t kChannelBitsByte = 299;  // one bit per channel: EQ bypassed
+inline constexpr std::size_t kPresetNameByte = 305;   // 305..320, 16 characters
 inline constexpr std::size_t kPresetNameLength = 16;
 inline constexpr std::size_t kInputSourceByte = 321;
 inline constexpr std::size_t kDeviceWideByte = 322;  // sent with every delay command

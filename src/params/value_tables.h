@@ -76,6 +76,55 @@ constexpr const std::array<std::string_view, 64>& QTextTable(bool commaDecimal) 
   return commaDecimal ? QTextTableComma : QTextTablePoint;
 }
 
+// Limiter attack times in ms by attack byte (output +2), the numbers of SmallNumberList.
+inline constexpr std::array<double, 52> AttackTimesMs = [] {
+  std::array<double, 52> times{};
+  times[0] = 0.5;
+  for (int i = 1; i <= 40; ++i)
+    times[static_cast<std::size_t>(i)] = i;  // 1 .. 40 in steps of 1
+  for (int i = 41; i <= 46; ++i)
+    times[static_cast<std::size_t>(i)] = 50 + 10 * (i - 41);  // 50 .. 100
+  for (int i = 47; i <= 51; ++i)
+    times[static_cast<std::size_t>(i)] = 120 + 20 * (i - 47);  // 120 .. 200
+  return times;
+}();
+
+// Limiter release times in ms by release byte (output +3), the numbers of HundredsList.
+inline constexpr std::array<double, 41> ReleaseTimesMs = [] {
+  std::array<double, 41> times{};
+  for (std::size_t i = 0; i < times.size(); ++i)
+    times[i] = 100.0 + 10.0 * static_cast<double>(i);
+  return times;
+}();
+
+// Level texts of the limiter selected by command 35; the label reads "  Limit" and one of
+// them. LimiterLevelDbu holds their numbers (index 0, " Clip", has none).
+inline constexpr std::string_view kLimitLabel = "  Limit";
+inline constexpr std::array<std::string_view, 10> LimiterLevelTexts = {
+    " Clip",   "+15 dBu", "+ 9 dBu", "+ 3 dBu", "   0 dBu",
+    "- 3 dBu", "- 6 dBu", "- 9 dBu", "-12 dBu", "-15 dBu"};
+inline constexpr std::array<int, 10> LimiterLevelDbu = {0, 15, 9, 3, 0, -3, -6, -9, -12, -15};
+// Inputs only guard their converters and offer the first five texts (" Clip" .. "   0 dBu");
+// outputs, which also protect drivers, offer all ten.
+inline constexpr int kInputLimiterLevels = 5;
+inline constexpr int kOutputLimiterLevels = 10;
+
+// Filter type of a crossover filter (the byte after its frequency byte): Butterworth (Bw),
+// Linkwitz-Riley (Lz) and Bessel (Bs) slopes; 0 leaves the filter off.
+inline constexpr std::array<std::string_view, 9> CrossoverTypeNames = {
+    "  No cut-off", "- 6 dB/oct Bw", "-12dB/oct Bw", "-12dB/oct Lz", "-12dB/oct Bs",
+    "-18dB/oct Bw", "-24dB/oct Bw",  "-24dB/oct Lz", "-24dB/oct Bs"};
+
+// Captions of the input labels (analogue inputs, or both inputs on S/PDIF), the mute button,
+// the polarity label and a channel's equaliser.
+inline constexpr std::array<std::string_view, 2> AnalogInputLabels = {"Input 1", "Input 2"};
+inline constexpr std::string_view kSpdifInputLabel = " SPDIF ";
+inline constexpr std::string_view kMuteCaption = "Mute";      // shown while the channel plays
+inline constexpr std::string_view kUnmuteCaption = "Unmute";  // shown while it is muted
+inline constexpr std::array<std::string_view, 2> PolarityLabels = {"0'", "180'"};
+inline constexpr std::string_view kEqFlatCaption = "Flat";
+inline constexpr std::string_view kEqShapedCaption = "~~~~~~";
+
 inline constexpr std::size_t kFrequencyCount = 241;
 
 // The device's frequency grid in Hz: eight steps per third of an octave on rounded values,

@@ -12,6 +12,9 @@ struct FaultPlan {
   // only frames of that code are ignored and counted.
   int silentFrames = 0;
   std::optional<std::uint8_t> silentCode;
+  // Answer this many more frames, then none ever again: a device unplugged mid-transfer.
+  // Negative: the device never vanishes.
+  int vanishAfterFrames = -1;
   // Ignore every first poll and answer the one after it (a slow device that needs the retry).
   bool answerSecondPollOnly = false;
   // Answer polls with 0x00 instead of 0x81 at index 4.

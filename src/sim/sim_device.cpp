@@ -54,6 +54,7 @@ std::vector<std::uint8_t> SimDevice::Handle(const protocol::Frame& request) {
     case code::kLeaveProgram:
       return {};
     default:
+      if (IsParameterCode(command.code)) ApplyCommand(state_, command);
       return Acknowledge(request);
   }
 }
@@ -72,7 +73,7 @@ std::vector<std::uint8_t> SimDevice::AnswerPoll(const protocol::Frame& request) 
 
 // p1 = p2 = 255 reads the live image; p1 = slot 0..23 with p2 = 0 reads a stored preset.
 std::vector<std::uint8_t> SimDevice::ReadBlock(const protocol::Command& command) const {
-  if (command.p(1) == 255 && command.p(2) == 255) return {live_.begin(), live_.end()};
+  if (command.p(1) == 255 && command.p(2) == 255) return {state_.live.begin(), state_.live.end()};
   if (command.p(1) < params::kSlotCount && command.p(2) == 0) {
     const auto first = memory_.begin() + static_cast<long>(mem::SlotDataAddress(command.p(1)));
     return {first, first + static_cast<long>(mem::kSlotDataLength)};
@@ -101,7 +102,7 @@ void SimDevice::WriteMemory(std::size_t address, std::uint8_t value) {
 
 void SimDevice::SetSystemType(int systemType) {
   systemType_ = systemType;
-  live_ = params::DefaultImage[static_cast<std::size_t>(systemType)];
+  state_.live = params::DefaultImage[static_cast<std::size_t>(systemType)];
 }
 
 }  // namespace talvex::sim

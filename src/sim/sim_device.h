@@ -10,6 +10,7 @@
 #include "params/image_layout.h"
 #include "protocol/frame.h"
 #include "protocol/memory_map.h"
+#include "sim/apply_command.h"
 
 namespace talvex::sim {
 
@@ -23,8 +24,10 @@ class SimDevice {
   int SystemType() const { return systemType_; }
 
   // The device's current preset (what a block read with p1 = p2 = 255 returns).
-  params::PresetImage& LiveImage() { return live_; }
-  const params::PresetImage& LiveImage() const { return live_; }
+  params::PresetImage& LiveImage() { return state_.live; }
+  const params::PresetImage& LiveImage() const { return state_.live; }
+  // The live image with the settings it does not hold (mutes, input source, ...).
+  const DeviceState& State() const { return state_; }
   Memory& DeviceMemory() { return memory_; }
   const Memory& DeviceMemory() const { return memory_; }
 
@@ -46,7 +49,7 @@ class SimDevice {
 
   int id_;
   int systemType_ = 0;
-  params::PresetImage live_{};
+  DeviceState state_;
   Memory memory_{};
   std::map<std::uint8_t, int> framesByCode_;
   int totalFrames_ = 0;

@@ -85,6 +85,8 @@ void SimLine::Dispatch(const protocol::Frame& frame, std::vector<ScheduledByte>&
 bool SimLine::Ignores(Station& station, const protocol::Frame& frame) {
   FaultPlan& faults = station.faults;
   const std::uint8_t commandCode = frame[3];
+  if (faults.vanishAfterFrames == 0) return true;
+  if (faults.vanishAfterFrames > 0) --faults.vanishAfterFrames;
   if (faults.silentFrames > 0 && (!faults.silentCode || *faults.silentCode == commandCode)) {
     --faults.silentFrames;
     return true;

@@ -47,7 +47,8 @@ struct Options {
 
 const char* kUsage =
     "usage: talvex-sim [--ids ID,ID,...] [--type 0|1|2] [--pty | --device PATH | --tcp PORT]\n"
-    "                  [--paced] [--silent N] [--silent-code CODE] [--second-poll] [--wrong-poll]\n"
+    "                  [--paced] [--silent N] [--silent-code CODE] [--vanish-after N]\n"
+    "                  [--second-poll] [--wrong-poll]\n"
     "                  [--late MS] [--garbage N] [--corrupt INDEX] [--drop-requests RATE]\n"
     "                  [--drop-replies RATE] [--corrupt-rate RATE] [--max-delay MS] [--seed N]\n"
     "  --pty          serve a new pseudo-terminal and print its path (default)\n"
@@ -115,6 +116,8 @@ Options ParseOptions(int argc, char** argv) {
       options.faults.silentFrames = static_cast<int>(NumberArg(arg, value(), 0, 1'000'000));
     else if (arg == "--silent-code")
       options.faults.silentCode = static_cast<std::uint8_t>(NumberArg(arg, value(), 0, 255));
+    else if (arg == "--vanish-after")
+      options.faults.vanishAfterFrames = static_cast<int>(NumberArg(arg, value(), 0, 1'000'000));
     else if (arg == "--second-poll")
       options.faults.answerSecondPollOnly = true;
     else if (arg == "--wrong-poll")

@@ -30,6 +30,7 @@ std::string ScriptedTransport::Open() {
 bool ScriptedTransport::Write(std::span<const std::uint8_t> bytes) {
   if (!open_) return false;
   written_.emplace_back(bytes.begin(), bytes.end());
+  writeTimes_.push_back(clock_.Now());
   if (!script_.empty()) {
     const std::vector<Arrival> arrivals = std::move(script_.front());
     script_.pop_front();

@@ -36,6 +36,8 @@ class ScriptedTransport final : public link::Transport {
   void Unplug() { open_ = false; }
 
   const std::vector<Bytes>& Written() const { return written_; }
+  // When each write happened, on the virtual clock.
+  const std::vector<link::Clock::TimePoint>& WriteTimes() const { return writeTimes_; }
   std::size_t Buffered() const { return received_.size(); }
 
   std::string Name() const override { return "scripted"; }
@@ -57,6 +59,7 @@ class ScriptedTransport final : public link::Transport {
   std::string openError_;
   std::deque<std::vector<Arrival>> script_;
   std::vector<Bytes> written_;
+  std::vector<link::Clock::TimePoint> writeTimes_;
   std::vector<std::pair<link::Clock::TimePoint, std::uint8_t>> inFlight_;
   std::deque<std::uint8_t> received_;
 };

@@ -1,0 +1,9 @@
+#!/usr/bin/env bash
+# Builds everything and runs every test, including the end-to-end ones on pseudo-terminals
+# (socat) and a TCP gateway (ser2net).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+./scripts/install-deps.sh
+cmake --preset dev
+cmake --build --preset dev
+ctest --preset dev

@@ -1,0 +1,191 @@
+// get, set and new: parameters by name, on a device (--port, --id) or offline on a preset
+// file (--file).
+#include <QFileInfo>
+#include <ostream>
+
+#include "cli/commands.h"
+#include "params/param_names.h"
+#include "presets/live_image.h"
+#include "presets/preset_file.h"
+
+namespace talvex::cli {
+
+namespace {
+
+using params::ParamRef;
+using params::ShownValue;
+
+void RequireArgCount(const CliContext& context, std::size_t min, std::size_t max) {
+  const std::size_t count = context.Args().size();
+  if (count < min) throw UsageError("missing arguments");
+  if (count > max) throw UsageError("unexpected argument \"" + context.Args()[max] + "\"");
+}
+
+bool Offline(const CliContext& context) {
+  return context.Options().file.has_value();
+}
+
+ParamRef ParamArg(const std::string& name) {
+  const std::optional<ParamRef> ref = params::ParseParamName(name);
+  if (!ref) throw UsageError("unknown parameter \"" + name + "\" (the valid forms follow)");
+  return *ref;
+}
+
+// The record of the target: a device's live image (bytes 0..303 read from it, the rest a
+// default record) or a preset file as a whole.
+params::ParamImage LoadRecord(CliContext& context) {
+  params::ParamImage record = params::DefaultRecord(0);
+  if (Offline(context)) {
+    const std::string error = presets::ReadPresetFile(*context.Options().file, record);
+    if (!error.empty()) throw CommandFailed(error);
+    return record;
+  }
+  if (presets::ReadLiveImage(context.Link(), context.Options().id, record) !=
+      presets::LiveRead::Received)
+    throw CommandFailed("the device's image could not be read", context.LinkFailedOnce());
+  return record;
+}
+
+bool Readable(const CliContext& context, const ParamRef& ref) {
+  const params::Storage storage = params::StorageOf(ref);
+  return storage == params::Storage::Preset ||
+         (storage == params::Storage::Record && Offline(context));
+}
+
+std::string JsonString(const std::string& text) {
+  std::string json = "\"";
+  for (char c : text) {
+    if (c == '"' || c == '\\') {
+      json += '\\';
+      json += c;
+    } else if (static_cast<unsigned char>(c) < 0x20) {
+      static constexpr char kHex[] = "0123456789abcdef";
+      json += "\\u00";
+      json += kHex[(c >> 4) & 0xF];
+      json += kHex[c & 0xF];
+    } else {
+      json += c;
+    }
+  }
+  return json + "\"";
+}
+
+std::string JsonValue(const ShownValue& value) {
+  switch (value.type) {
+    case ShownValue::Type::Number:
+      return value.text;
+    case ShownValue::Type::None:
+      return "null";
+    case ShownValue::Type::Text:
+      break;
+  }
+  return JsonString(value.text);
+}
+
+void Print(CliContext& context, const std::vector<std::pair<ParamRef, ShownValue>>& values) {
+  std::ostream& out = context.Out();
+  if (!context.Options().json) {
+    for (const auto& [ref, value] : values)
+      out << params::ParamName(ref) << " = " << value.text << '\n';
+    return;
+  }
+  out << '{';
+  const char* separator = "";
+  for (const auto& [ref, value] : values) {
+    out << separator << JsonString(params::ParamName(ref)) << ": " << JsonValue(value);
+    separator = ", ";
+  }
+  out << "}\n";
+}
+
+int Get(CliContext& context) {
+  RequireArgCount(context, 0, 1);
+  std::optional<ParamRef> one;
+  if (!context.Args().empty()) {
+    one = ParamArg(context.Args()[0]);
+    if (!Readable(context, *one)) {
+      const bool kept = params::StorageOf(*one) == params::Storage::Record;
+      throw CommandFailed(params::ParamName(*one) +
+                          (kept ? " is not part of a device's image: read it from a preset file"
+                                : " is kept in no image: it can be set but not read back"));
+    }
+  }
+  const params::ParamImage record = LoadRecord(context);
+  std::vector<std::pair<ParamRef, ShownValue>> values;
+  for (const ParamRef& ref : one ? std::vector<ParamRef>{*one} : params::AllParams())
+    if (Readable(context, ref)) values.emplace_back(ref, params::GetParam(record, ref));
+  Print(context, values);
+  return kExitOk;
+}
+
+int Set(CliContext& context) {
+  RequireArgCount(context, 2, 2);
+  const ParamRef ref = ParamArg(context.Args()[0]);
+  params::DeviceParams device = params::DeviceParams::FromImage(LoadRecord(context));
+  const params::SetOutcome outcome = params::SetParam(device, ref, context.Args()[1]);
+  if (!outcome.badText.empty()) {
+    context.Err() << outcome.badText << '\n';
+    return kExitUsage;
+  }
+  if (!outcome.badChoice.empty()) throw UsageError(outcome.badChoice);
+  if (Offline(context)) {
+    const std::string error = presets::WritePresetFile(*context.Options().file, device.image);
+    if (!error.empty()) throw CommandFailed(error);
+  } else if (context.Link().SendCommand(context.Options().id, outcome.edit.command) ==
+             link::SendResult::Failed) {
+    throw CommandFailed("the device did not take the command", true);
+  }
+  Print(context, {{ref, outcome.shown}});
+  return kExitOk;
+}
+
+int SystemTypeArg(const std::string& text) {
+  if (const auto index = ParseInt(text, 0, params::kSystemTypeCount - 1)) return *index;
+  for (std::size_t type = 0; type < params::SystemTypeNames.size(); ++type) {
+    const QString name =
+        QString::fromUtf8(params::SystemTypeNames[type].data(),
+                          static_cast<qsizetype>(params::SystemTypeNames[type].size()));
+    if (name.compare(QString::fromStdString(text), Qt::CaseInsensitive) == 0)
+      return static_cast<int>(type);
+  }
+  throw UsageError("\"" + text +
+                   "\" is not a system type: 0 \"2x2 WAY XOVER + SUB\", 1 \"2x3 WAY XOVER\", "
+                   "2 \"6 WAY XOVER\"");
+}
+
+int New(CliContext& context) {
+  RequireArgCount(context, 0, 1);
+  if (!Offline(context)) throw UsageError("new needs --file PRESET.tvx");
+  const int type = context.Args().empty() ? 0 : SystemTypeArg(context.Args()[0]);
+  const std::string& path = *context.Options().file;
+  if (QFileInfo::exists(QString::fromStdString(path)))
+    throw CommandFailed(path + " exists: new never overwrites a preset file");
+  const std::string error = presets::WritePresetFile(path, params::DefaultRecord(type));
+  if (!error.empty()) throw CommandFailed(error);
+  context.Out() << path << ": " << params::SystemTypeNames[static_cast<std::size_t>(type)] << '\n';
+  return kExitOk;
+}
+
+}  // namespace
+
+void AddParamCommands(std::vector<CommandSpec>& commands) {
+  commands.push_back({"get", "[PARAM]", "print PARAM, or every parameter the image holds", Get});
+  commands.push_back({"set", "PARAM VALUE", "set PARAM and print its value as snapped", Set});
+  commands.push_back(
+      {"new", "[TYPE]", "write a factory preset of TYPE (0..2 or its name) to --file", New});
+}
+
+std::string ParamUsage() {
+  return "get and set work on the device of --port and --id, or offline on --file:\n"
+         "  set clamps VALUE to the parameter's range and snaps it to the device's grid (a value\n"
+         "  exactly halfway goes down). On a device it first reads the live image, so that the\n"
+         "  bytes a command carries beside the value (the polarity beside a level, the other\n"
+         "  bytes of a band) are the device's own, then sends the parameter's one command.\n"
+         "  With --file it rewrites the file and sends nothing.\n"
+         "  Mutes and input polarities are kept in no image: set sends them, get leaves them\n"
+         "  out. input.source is not in a device's image and is read from a --file only.\n"
+         "  A VALUE that is not a number is refused with the system's message (exit 2).\n" +
+         params::ParamNameForms();
+}
+
+}  // namespace talvex::cli

@@ -1,2 +1,0 @@
-#include "params/default_image.h"
-#include "params/value_tables.h"

@@ -1,0 +1,120 @@
+#include "cli/cli.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace talvex::cli {
+namespace {
+
+// Runs talvexctl on simulated lines the test can look into afterwards.
+struct CliRun {
+  explicit CliRun(std::vector<std::string> args, std::function<void(sim::SimLine&)> prepare = {}) {
+    CliHooks hooks;
+    hooks.makeLine = [&](const link::PortSpec& spec) {
+      link::Line line = link::MakeLine(spec);
+      simulator = line.simulator;
+      if (prepare && simulator) prepare(*simulator);
+      return line;
+    };
+    status = RunCli(args, out, err, hooks);
+  }
+
+  int FramesSeen() const {
+    if (!simulator) return 0;
+    int frames = 0;
+    for (int id : simulator->DeviceIds()) frames += simulator->Device(id).FramesHandled();
+    return frames;
+  }
+
+  std::ostringstream out;
+  std::ostringstream err;
+  int status = -1;
+  std::shared_ptr<sim::SimLine> simulator;
+};
+
+TEST(CliTest, shouldListTheDevicesFoundInIdOrderWithProgressOnStderr) {
+  CliRun run({"--port", "sim:7,0,3", "scan"});
+  EXPECT_EQ(run.status, kExitOk);
+  EXPECT_EQ(run.out.str(), "ID 0\nID 3\nID 7\n");
+  EXPECT_NE(run.err.str().find("0 %\n3.1 %\n6.2 %\n9.3 %\n"), std::string::npos);
+  EXPECT_NE(run.err.str().find("\n100 %\n"), std::string::npos);
+}
+
+TEST(CliTest, shouldExitByWhetherTheDeviceAnswersAPing) {
+  EXPECT_EQ(CliRun({"--port", "sim:4", "--id", "4", "ping"}).status, kExitOk);
+  EXPECT_EQ(CliRun({"--port", "sim:4", "--id", "5", "ping"}).status, kExitFailure);
+  CliRun slow({"--port", "sim:4", "--id", "4", "ping"},
+           [](sim::SimLine& line) { line.Faults(4).answerSecondPollOnly = true; });
+  EXPECT_EQ(slow.status, kExitOk);
+}
+
+TEST(CliTest, shouldTraceEachFrameAndPrintTheReply) {
+  CliRun run({"--port", "sim:0,3", "--id", "3", "--trace", "send", "16", "1", "112"});
+  EXPECT_EQ(run.status, kExitOk);
+  EXPECT_EQ(run.out.str(), "F0 81 03 10 01 70 00 00 20 20 00 00 F7\n");
+  EXPECT_EQ(run.err.str(),
+            "> F0 81 03 10 01 70 00 00 00 00 00 00 F7\n"
+            "< F0 81 03 10 01 70 00 00 20 20 00 00 F7\n");
+}
+
+TEST(CliTest, shouldReportAFinalFailureInTheSystemsWordsAndExit1) {
+  CliRun run({"--port", "sim:0", "--id", "9", "--trace", "send", "1", "2", "0", "0", "0", "0", "0", "0", "120"});
+  EXPECT_EQ(run.status, kExitFailure);
+  EXPECT_EQ(run.out.str(), "");
+  const std::string err = run.err.str();
+  EXPECT_EQ(std::count(err.begin(), err.end(), '>'), 5);  // five transmissions
+  EXPECT_NE(err.find("Communication problem:  The system will be close the communication with this device\n"),
+            std::string::npos);
+}
+
+TEST(CliTest, shouldSendTheUnacknowledgedCodesWithoutWaiting) {
+  CliRun run({"--port", "sim:0", "send", "143"});
+  EXPECT_EQ(run.status, kExitOk);
+  EXPECT_EQ(run.out.str(), "");
+  EXPECT_EQ(run.simulator->Device(0).FramesHandled(143), 1);
+}
+
+TEST(CliTest, shouldRefuseMalformedCommandLinesWithoutSendingAnything) {
+  struct Case {
+    std::vector<std::string> args;
+    std::string message;
+  };
+  const Case cases[] = {
+      {{}, "usage: talvexctl"},
+      {{"--port", "sim"}, "usage: talvexctl"},
+      {{"frobnicate"}, "unknown command \"frobnicate\""},
+      {{"--id", "40", "ping"}, "--id \"40\" is not a device ID from 0 to 32"},
+      {{"--id", "-1", "ping"}, "--id \"-1\" is not a device ID from 0 to 32"},
+      {{"--id", "3x", "ping"}, "--id \"3x\" is not a device ID from 0 to 32"},
+      {{"--id"}, "--id needs a value"},
+      {{"--port"}, "--port needs a value"},
+      {{"--port", "sim:0,99", "scan"}, "bad port \"sim:0,99\""},
+      {{"--port", "tcp:host", "scan"}, "bad port \"tcp:host\""},
+      {{"send"}, "missing arguments"},
+      {{"send", "300"}, "command code \"300\" is not a number from 0 to 255"},
+      {{"send", "1", "256"}, "parameter \"256\" is not a number from 0 to 255"},
+      {{"send", "1", "+5"}, "parameter \"+5\" is not a number from 0 to 255"},
+      {{"send", "1", "0x10"}, "parameter \"0x10\" is not a number from 0 to 255"},
+      {{"send", "1", "1", "2", "3", "4", "5", "6", "7", "8", "9"}, "unexpected argument \"9\""},
+      {{"scan", "now"}, "unexpected argument \"now\""},
+      {{"ping", "3"}, "unexpected argument \"3\""},
+  };
+  for (const Case& c : cases) {
+    CliRun run(c.args);
+    EXPECT_EQ(run.status, kExitUsage) << c.message;
+    EXPECT_NE(run.err.str().find(c.message), std::string::npos) << run.err.str();
+    EXPECT_NE(run.err.str().find("usage: talvexctl"), std::string::npos) << c.message;
+    EXPECT_EQ(run.FramesSeen(), 0) << c.message;
+    EXPECT_EQ(run.out.str(), "") << c.message;
+  }
+}
+
+TEST(CliTest, shouldSayWhyAPortWillNotOpen) {
+  CliRun run({"--port", "/dev/talvex-no-such-port", "ping"});
+  EXPECT_EQ(run.status, kExitFailure);
+  EXPECT_NE(run.err.str().find("cannot open serial port /dev/talvex-no-such-port"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace talvex::cli

@@ -1,0 +1,80 @@
+#include "sim/sim_device.h"
+
+#include <gtest/gtest.h>
+
+#include "params/default_image.h"
+
+namespace talvex::sim {
+namespace {
+
+protocol::Frame Request(int id, std::uint8_t code, std::array<std::uint8_t, 8> params = {}) {
+  protocol::Command command;
+  command.code = code;
+  command.params = params;
+  return protocol::BuildFrame(id, command);
+}
+
+TEST(SimDeviceTest, shouldAnswerAPollWith0x81AtIndex4) {
+  SimDevice device(3);
+  const auto reply = device.Handle(Request(3, 0, {0, 0, 0, 0, 0, 0, 0, 3}));
+  EXPECT_EQ(protocol::FormatHex(reply), "F0 81 03 00 81 00 00 00 00 00 00 00 F7");
+}
+
+TEST(SimDeviceTest, shouldNeverAnswerTheReleaseAndLeaveCommands) {
+  SimDevice device(0);
+  EXPECT_TRUE(device.Handle(Request(0, 15)).empty());
+  EXPECT_TRUE(device.Handle(Request(0, 143)).empty());
+  EXPECT_EQ(device.FramesHandled(15), 1);
+}
+
+TEST(SimDeviceTest, shouldAcknowledgeByEchoingTheFrame) {
+  SimDevice device(1);
+  for (std::uint8_t code : {1, 2, 3, 4, 5, 7, 8, 9, 13, 14, 18, 23, 29, 34, 35, 36}) {
+    const protocol::Frame request = Request(1, code, {2, 0, 0, 0, 0, 0, 1, 99});
+    const auto reply = device.Handle(request);
+    EXPECT_TRUE(std::equal(reply.begin(), reply.end(), request.begin(), request.end())) << int(code);
+  }
+}
+
+TEST(SimDeviceTest, shouldReadTheLiveImageAndStoredPresetsAsBlocks) {
+  SimDevice device(0, 1);
+  const auto live = device.Handle(Request(0, 11, {255, 255}));
+  ASSERT_EQ(live.size(), 304u);
+  EXPECT_TRUE(std::equal(live.begin(), live.end(), params::DefaultImage[1].begin()));
+
+  for (std::size_t i = 0; i < 304; ++i) device.DeviceMemory()[7760 + i] = static_cast<std::uint8_t>(i);
+  const auto slot23 = device.Handle(Request(0, 11, {23, 0}));
+  ASSERT_EQ(slot23.size(), 304u);
+  EXPECT_EQ(slot23[0], 0);
+  EXPECT_EQ(slot23[303], 303 % 256);
+  EXPECT_TRUE(device.Handle(Request(0, 11, {24, 0})).empty());
+}
+
+TEST(SimDeviceTest, shouldReadBackWhatIsWrittenToMemory) {
+  SimDevice device(2);
+  // Command 17 writes p5 at the address in p1 (high) and p2 (low).
+  device.Handle(Request(2, 17, {0x01, 0x70, 0, 0, 'T', 0, 0, 0}));
+  // Command 24 writes p3..p6 from the address on.
+  device.Handle(Request(2, 24, {0x01, 0x71, 'A', 'L', 'V', 'E', 0, 0}));
+  const auto reply = device.Handle(Request(2, 16, {0x01, 0x72}));
+  // Bytes 6..9 of the reply hold A-2 .. A+1: the addressed byte sits at 8.
+  EXPECT_EQ(reply[4], 0x01);
+  EXPECT_EQ(reply[5], 0x72);
+  EXPECT_EQ(std::string(reply.begin() + 6, reply.begin() + 10), "TALV");
+  const auto low = device.Handle(Request(2, 16, {0, 1}));
+  EXPECT_EQ(std::vector<std::uint8_t>(low.begin() + 6, low.begin() + 10),
+            (std::vector<std::uint8_t>{0, 0, 0, 0}));
+}
+
+TEST(SimDeviceTest, shouldLoadTheFactoryImageOfANewSystemType) {
+  SimDevice device(0, 0);
+  device.LiveImage()[1] = 42;
+  device.Handle(Request(0, 21, {2}));
+  EXPECT_EQ(device.SystemType(), 2);
+  EXPECT_EQ(device.LiveImage(), params::DefaultImage[2]);
+  device.Handle(Request(0, 21, {3}));  // not a type: ignored
+  EXPECT_EQ(device.SystemType(), 2);
+}
+
+}  // namespace
+}  // namespace talvex::sim
