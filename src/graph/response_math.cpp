@@ -81,9 +81,10 @@ using detail::TermKind;
 
 // A resonance curve in the dB domain, not a peaking biquad's exact magnitude.
 // Ratios of f to a corner or centre stay divisions: at the corner they must come out as exactly
-// 1, where the zero guard and the flat centre of a bell take over.
-inline double BellDb(const ModelPlan& p, double f) {
-  const double detune = p.f0 / f - f / p.f0;
+// 1, where the zero guard and the flat centre of a bell take over. A bell works from w = f/F0:
+// F0/f - f/F0 = 1/w - w, exactly 0 at the centre.
+inline double BellDb(const ModelPlan& p, double w) {
+  const double detune = 1.0 / w - w;
   return p.gainDb / (1.0 + p.qm * p.qm * detune * detune);
 }
 
@@ -144,8 +145,7 @@ inline double BesselHighRatio(const ModelPlan& p, double f) {
 
 // The analog peaking section folded into one arc tangent:
 // (1 - w^2)(w/Qm)(A^2 - 1)/A over (1 - w^2)^2 + (w/Qm)^2, with w = f/F0.
-inline double BellTangent(const ModelPlan& p, double f) {
-  const double w = f / p.f0;
+inline double BellTangent(const ModelPlan& p, double w) {
   const double wq = w * p.inverseQm;
   const double u = 1.0 - w * w;
   return u * wq * p.bellTilt / GuardZero(u * u + wq * wq);
@@ -175,7 +175,7 @@ inline double FirstOrderTangent(const PhaseTerm& term, double f) {
 inline double TermTangent(const ModelPlan& p, const PhaseTerm& term, double f) {
   switch (term.kind) {
     case TermKind::kBell:
-      return BellTangent(p, f);
+      return BellTangent(p, f / p.f0);
     case TermKind::kShelf:
       return ShelfTangent(p, f);
     case TermKind::kFirstOrder:
@@ -192,7 +192,7 @@ inline double MagnitudeValue(const ModelPlan& p, bool highPass, double f) {
     case MagnitudeForm::kZero:
       return 1.0;
     case MagnitudeForm::kBell:
-      return BellDb(p, f);
+      return BellDb(p, f / p.f0);
     case MagnitudeForm::kLowShelf:
     case MagnitudeForm::kHighShelf:
       return ShelfRatio(p, f);
@@ -285,8 +285,11 @@ TALVEX_GRID_LOOPS void FillPlan(const ModelPlan& plan, Curve& magnitude, Curve& 
       values.fill(1.0);
       break;
     case MagnitudeForm::kBell:
-      for (std::size_t i = 0; i < grid.size(); ++i)
-        values[i] = BellDb(plan, grid[i]);
+      for (std::size_t i = 0; i < grid.size(); ++i) {  // the tangents too: they share w
+        const double w = grid[i] / plan.f0;
+        values[i] = BellDb(plan, w);
+        tangents[0][i] = BellTangent(plan, w);
+      }
       break;
     case MagnitudeForm::kLowShelf:
     case MagnitudeForm::kHighShelf:
@@ -319,9 +322,7 @@ TALVEX_GRID_LOOPS void FillPlan(const ModelPlan& plan, Curve& magnitude, Curve& 
     const PhaseTerm& term = plan.terms[t];
     auto& tangent = tangents[static_cast<std::size_t>(t)];
     switch (term.kind) {
-      case TermKind::kBell:
-        for (std::size_t i = 0; i < grid.size(); ++i)
-          tangent[i] = BellTangent(plan, grid[i]);
+      case TermKind::kBell:  // worked out with the magnitude
         break;
       case TermKind::kShelf:
         for (std::size_t i = 0; i < grid.size(); ++i)
@@ -358,9 +359,12 @@ double Log10(double x) {
   return std::log(x) / std::log(10.0);
 }
 
-float FoldManyTurns(float& angle) {
-  // Beyond 2^27 degrees a step of 360 no longer changes a single-precision value; the fold is
-  // taken in one step instead, which also ends inside the range.
+float FoldTurns(float& angle) {
+  if (std::isnan(angle) || std::isinf(angle)) return angle;
+  // Below 2^27 degrees every step of 360 is exact in single precision (360 is a multiple of the
+  // angle's last place), so stepping ends on the exact remainder, and the whole number of turns
+  // can be taken at once: the same value without a long delay's thousands of steps at 20 kHz.
+  // Beyond that a step would no longer change the value; the one-step fold still ends in range.
   const double x = angle;
   const double turns =
       x > 180.0 ? std::ceil((x - 180.0) / 360.0) : -std::ceil((-180.0 - x) / 360.0);

@@ -57,20 +57,14 @@ struct PointResponse {
 // Log(x) / Log(10), the way every decibel value and the plot's x axis take it.
 double Log10(double x);
 
-float FoldManyTurns(float& angle);
+// The fold of an angle outside -180..+180 (WrapDegrees' slow way).
+float FoldTurns(float& angle);
 
 // Folds an angle into -180..+180 by steps of 360 degrees, in place, and returns it. Exactly
-// -180 and +180 are kept. Each step is exact below 2^27 degrees (360 is then a multiple of the
-// angle's last place), so stepping gives the exact remainder; past that the fold is taken at once.
+// -180 and +180 are kept.
 inline float WrapDegrees(float& angle) {
-  constexpr float kManyTurns = 134217728.0f;  // 2^27
-  if (std::isnan(angle) || std::isinf(angle)) return angle;
-  if (angle > kManyTurns || angle < -kManyTurns) return FoldManyTurns(angle);
-  while (angle < -180.0f)
-    angle += 360.0f;
-  while (angle > 180.0f)
-    angle -= 360.0f;
-  return angle;
+  if (angle >= -180.0f && angle <= 180.0f) return angle;
+  return FoldTurns(angle);
 }
 
 // The gain-dependent factor K of a bell's Q: by |gain| in 0.5 dB groups, matched by exact
