@@ -12,6 +12,7 @@ const std::vector<CommandSpec>& AllCommands() {
     std::vector<CommandSpec> table;
     AddLinkCommands(table);
     AddParamCommands(table);
+    AddSessionCommands(table);
     AddResponseCommands(table);
     return table;
   }();

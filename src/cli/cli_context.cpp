@@ -17,6 +17,37 @@ std::optional<int> ParseInt(const std::string& text, int min, int max) {
   return value;
 }
 
+void RequireArgCount(const CliContext& context, std::size_t min, std::size_t max) {
+  const std::size_t count = context.Args().size();
+  if (count < min) throw UsageError("missing arguments");
+  if (count > max) throw UsageError("unexpected argument \"" + context.Args()[max] + "\"");
+}
+
+std::string ShownName(const std::optional<std::string>& name) {
+  if (!name) return "---";
+  return name->substr(0, name->find_last_not_of(' ') + 1);
+}
+
+std::string JsonString(const std::string& text) {
+  std::string json = "\"";
+  for (char c : text) {
+    if (c == '"' || c == '\\') {
+      json += '\\';
+      json += c;
+    } else if (const auto byte = static_cast<unsigned char>(c); byte < 0x20 || byte >= 0x7F) {
+      // Device names are raw bytes: anything outside printable ASCII is written as the
+      // code point of the same number, so the output is always valid JSON.
+      static constexpr char kHex[] = "0123456789abcdef";
+      json += "\\u00";
+      json += kHex[byte >> 4];
+      json += kHex[byte & 0xF];
+    } else {
+      json += c;
+    }
+  }
+  return json + "\"";
+}
+
 CliContext::CliContext(GlobalOptions options, std::vector<std::string> args, std::ostream& out,
                        std::ostream& err, const CliHooks& hooks)
     : options_(std::move(options)), args_(std::move(args)), out_(out), err_(err), hooks_(hooks) {}

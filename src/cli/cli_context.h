@@ -78,6 +78,16 @@ class CliContext : private link::LinkObserver {
   int failures_ = 0;
 };
 
+// UsageError unless the command has between `min` and `max` arguments.
+void RequireArgCount(const CliContext& context, std::size_t min, std::size_t max);
+
+// A device or preset name as talvexctl prints it: trailing blanks dropped; "---" when it
+// could not be read (as the device list shows it).
+std::string ShownName(const std::optional<std::string>& name);
+
+// `text` as a JSON string, quotes and control characters escaped.
+std::string JsonString(const std::string& text);
+
 // Parses a whole decimal number in [min, max]; nullopt for anything else.
 std::optional<int> ParseInt(const std::string& text, int min, int max);
 

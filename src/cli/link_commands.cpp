@@ -1,26 +1,35 @@
 // scan, ping and send: the line and the frames themselves.
+#include <optional>
 #include <ostream>
 
 #include "cli/commands.h"
+#include "link/device_name.h"
 #include "link/search.h"
 
 namespace talvex::cli {
 
 namespace {
 
-void RequireArgCount(const CliContext& context, std::size_t min, std::size_t max) {
-  const std::size_t count = context.Args().size();
-  if (count < min) throw UsageError("missing arguments");
-  if (count > max) throw UsageError("unexpected argument \"" + context.Args()[max] + "\"");
-}
-
 int Scan(CliContext& context) {
   RequireArgCount(context, 0, 0);
   link::Link& link = context.Link();
   const std::vector<int> found = link::SearchDevices(
       link, link::AllDeviceIds(), [&](const std::string& text) { context.Err() << text << '\n'; });
+  std::vector<std::pair<int, std::string>> devices;
   for (int id : found)
-    context.Out() << "ID " << id << '\n';
+    devices.emplace_back(id, ShownName(link::ReadDeviceName(link, id)));
+  if (context.Options().json) {
+    context.Out() << '[';
+    for (std::size_t i = 0; i < devices.size(); ++i)
+      context.Out() << (i ? ", " : "") << "{\"id\": " << devices[i].first
+                    << ", \"name\": " << JsonString(devices[i].second) << '}';
+    context.Out() << "]\n";
+    return kExitOk;
+  }
+  for (const auto& [id, name] : devices) {
+    std::string row = "ID " + std::to_string(id) + "  " + name;
+    context.Out() << row.substr(0, row.find_last_not_of(' ') + 1) << '\n';
+  }
   return kExitOk;
 }
 
@@ -53,7 +62,8 @@ int Send(CliContext& context) {
 }  // namespace
 
 void AddLinkCommands(std::vector<CommandSpec>& commands) {
-  commands.push_back({"scan", "", "search IDs 0..32 and list the devices that answer", Scan});
+  commands.push_back(
+      {"scan", "", "search IDs 0..32; print \"ID n  name\" for each device that answers", Scan});
   commands.push_back({"ping", "", "poll the device of --id; exit 0 when it answers", Ping});
   commands.push_back(
       {"send", "CODE [P1 .. P8]", "send one command to --id and print the reply", Send});

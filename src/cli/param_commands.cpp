@@ -15,12 +15,6 @@ namespace {
 using params::ParamRef;
 using params::ShownValue;
 
-void RequireArgCount(const CliContext& context, std::size_t min, std::size_t max) {
-  const std::size_t count = context.Args().size();
-  if (count < min) throw UsageError("missing arguments");
-  if (count > max) throw UsageError("unexpected argument \"" + context.Args()[max] + "\"");
-}
-
 bool Offline(const CliContext& context) {
   return context.Options().file.has_value();
 }
@@ -35,24 +29,6 @@ bool Readable(const CliContext& context, const ParamRef& ref) {
   const params::Storage storage = params::StorageOf(ref);
   return storage == params::Storage::Preset ||
          (storage == params::Storage::Record && Offline(context));
-}
-
-std::string JsonString(const std::string& text) {
-  std::string json = "\"";
-  for (char c : text) {
-    if (c == '"' || c == '\\') {
-      json += '\\';
-      json += c;
-    } else if (static_cast<unsigned char>(c) < 0x20) {
-      static constexpr char kHex[] = "0123456789abcdef";
-      json += "\\u00";
-      json += kHex[(c >> 4) & 0xF];
-      json += kHex[c & 0xF];
-    } else {
-      json += c;
-    }
-  }
-  return json + "\"";
 }
 
 std::string JsonValue(const ShownValue& value) {

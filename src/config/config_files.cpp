@@ -208,8 +208,26 @@ bool WriteAndSync(const fs::path& path, const std::vector<std::uint8_t>& bytes) 
 #endif
 }
 
+// Makes a rename in `folder` durable: without it a crash just after the rename may bring back
+// the old name on some file systems. Nothing to do on Windows, where the rename is written
+// through.
+void SyncFolder(const fs::path& folder) {
+#ifndef _WIN32
+  const int fd = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0) return;
+  ::fsync(fd);
+  ::close(fd);
+#else
+  (void)folder;
+#endif
+}
+
 }  // namespace
 
+// The program's one atomic writer (configuration files, preset files): standard library only,
+// so the layers below Qt can use it. The data reach the disk before the rename, and the
+// rename replaces the old file in one step: a crash or a full disk leaves either the old file
+// or the new one, never a short or mixed one.
 std::string WriteFileAtomically(const fs::path& path, const std::vector<std::uint8_t>& bytes) {
   fs::path temporary = path;
   temporary += ".saving";
@@ -223,6 +241,7 @@ std::string WriteFileAtomically(const fs::path& path, const std::vector<std::uin
     fs::remove(temporary, error);
     return "cannot replace " + path.string() + ": " + error.message();
   }
+  SyncFolder(path.parent_path());
   return {};
 }
 

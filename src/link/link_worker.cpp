@@ -26,6 +26,7 @@ void LinkWorker::Enqueue(int deviceId, Job job) {
 void LinkWorker::EnqueueCoalesced(int deviceId, const std::string& key, Job job) {
   {
     std::lock_guard lock(mutex_);
+    if (failed_.contains(deviceId)) return;
     if (!key.empty()) {
       std::erase_if(queue_, [&](const Entry& e) { return e.key == key && e.deviceId == deviceId; });
     }
@@ -38,6 +39,11 @@ void LinkWorker::DropJobsFor(int deviceId) {
   std::lock_guard lock(mutex_);
   std::erase_if(queue_, [&](const Entry& e) { return e.deviceId == deviceId; });
   if (queue_.empty() && !running_) idle_.notify_all();
+}
+
+void LinkWorker::Revive(int deviceId) {
+  std::lock_guard lock(mutex_);
+  failed_.erase(deviceId);
 }
 
 void LinkWorker::WaitIdle() {
@@ -68,6 +74,10 @@ void LinkWorker::Run() {
 
 // A device that failed is closed: what still waits for it would only fail again, each after 25 s.
 void LinkWorker::LinkFailed(const LinkFailure& failure) {
+  {
+    std::lock_guard lock(mutex_);
+    failed_.insert(failure.deviceId);
+  }
   DropJobsFor(failure.deviceId);
   if (observer_) observer_->LinkFailed(failure);
 }

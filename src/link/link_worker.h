@@ -7,6 +7,7 @@
 #include <deque>
 #include <functional>
 #include <mutex>
+#include <set>
 #include <string>
 #include <thread>
 
@@ -34,6 +35,9 @@ class LinkWorker final : private LinkObserver {
   void EnqueueCoalesced(int deviceId, const std::string& key, Job job);
   // Drops the waiting jobs of a device (the running one finishes).
   void DropJobsFor(int deviceId);
+  // After a device failed, jobs for it are refused until it is connected again: edits queued
+  // before the failure reached the user would otherwise each fail (and be reported) anew.
+  void Revive(int deviceId);
 
   // Blocks until nothing waits and nothing runs. For shutdown and tests, never the UI thread
   // while a device may be slow.
@@ -59,6 +63,7 @@ class LinkWorker final : private LinkObserver {
   std::condition_variable wake_;
   std::condition_variable idle_;
   std::deque<Entry> queue_;
+  std::set<int> failed_;
   bool running_ = false;
   bool stopping_ = false;
   std::thread thread_;

@@ -88,6 +88,8 @@ inline constexpr std::size_t kInputSourceByte = 321;
 inline constexpr std::size_t kDeviceWideByte = 322;  // sent with every delay command
 inline constexpr std::size_t kOptionByte = 323;      // device-wide option of command 17
 inline constexpr std::size_t kLockByte = 327;
+// The output link switch (command 34) as the device reported it when it was connected.
+inline constexpr std::size_t kOutputLinkByte = 328;
 
 // Factory defaults of an EQ band: frequency byte 136 (1000 Hz), width 9 ("0.30"), gain 30 (0 dB).
 inline constexpr std::array<std::uint8_t, 3> kDefaultBand = {136, 9, 30};

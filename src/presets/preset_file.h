@@ -3,7 +3,10 @@
 // which bytes are taken over) sit on top of them.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "params/image_layout.h"
 
@@ -14,6 +17,11 @@ namespace talvex::presets {
 // byte 298 (type 0 when the file is too short to say or names none). Bytes beyond 1155 are not
 // read. Returns an empty text on success, else why it failed; `record` is untouched then.
 std::string ReadPresetFile(const std::string& path, params::ParamImage& record);
+
+// The first 1155 bytes of a regular file (all of a shorter one) and the file's whole length;
+// nullopt when it is missing or cannot be read.
+std::optional<std::vector<std::uint8_t>> ReadPresetBytes(const std::string& path,
+                                                         std::uintmax_t& fileSize);
 
 // Writes all 1155 bytes atomically: to a temporary file beside `path`, renamed over it only
 // once everything is on disk, so a crash or a full disk never leaves half a file. Returns an

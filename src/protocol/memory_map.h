@@ -11,6 +11,10 @@ inline constexpr std::size_t kSize = 8192;
 
 inline constexpr std::size_t kOption = 0x12;  // device-wide option switched by command 17
 inline constexpr std::size_t kLock = 0x16;    // lock state
+// The name of the preset the device is running: 16 characters. The device takes a preset it
+// stores as its current one, so it copies every slot-name byte written to this place too.
+inline constexpr std::size_t kPresetName = 0x40;
+inline constexpr std::size_t kPresetNameLength = 16;
 
 inline constexpr std::size_t kUsedMarks = 32;  // one byte per preset slot, 85 = slot in use
 inline constexpr std::uint8_t kUsedMark = 85;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "params/default_image.h"
+#include "params/value_tables.h"
 
 namespace talvex::sim {
 
@@ -22,6 +23,8 @@ SimDevice::SimDevice(int id, int systemType) : id_(id) {
   CheckIndex(systemType, params::kSystemTypeCount - 1, "system type");
   SetSystemType(systemType);
   std::fill_n(memory_.begin() + mem::kDeviceName, mem::kDeviceNameLength, ' ');
+  std::copy(params::EmptyPresetName.begin(), params::EmptyPresetName.end(),
+            memory_.begin() + mem::kPresetName);
 }
 
 int SimDevice::FramesHandled(std::uint8_t commandCode) const {
@@ -40,6 +43,8 @@ std::vector<std::uint8_t> SimDevice::Handle(const protocol::Frame& request) {
       return ReadBlock(command);
     case code::kMemoryRead:
       return ReadMemory(request);
+    case code::kReadState:
+      return ReportState(request);
     case code::kMemoryWrite:
       WriteMemory(AddressOf(command), command.p(5));
       return Acknowledge(request);
@@ -96,8 +101,32 @@ std::vector<std::uint8_t> SimDevice::ReadMemory(const protocol::Frame& request) 
   return {reply.begin(), reply.end()};
 }
 
+// Command 23 reads the device's state. With p1 = p2 = 0 it answers with the settings that
+// live beside the preset image: p1 = system type, p2 = input source (0 analogue, 1 S/PDIF),
+// p3 = the device-wide byte that rides with every delay command, p4 = the delay unit kept at
+// memory 0x12, p5 = the output link switch of command 34; p6..p8 = 0. With an address A in
+// p1 (high) and p2 (low) it answers like a memory read (16): bytes 6..9 = memory A-2 .. A+1,
+// so p5 is the byte at A (the lock state at 0x16, for instance). Command 36, which ends a
+// state read, is simply acknowledged.
+std::vector<std::uint8_t> SimDevice::ReportState(const protocol::Frame& request) const {
+  if (AddressOf(protocol::CommandOf(request)) != 0) return ReadMemory(request);
+  protocol::Frame reply = request;
+  std::fill(reply.begin() + 4, reply.begin() + 12, 0);
+  reply[4] = static_cast<std::uint8_t>(systemType_);
+  reply[5] = state_.inputSource;
+  reply[6] = state_.deviceWide;
+  reply[7] = memory_[mem::kOption];
+  reply[8] = state_.outputLink;
+  return {reply.begin(), reply.end()};
+}
+
+// A slot-name byte written is also written to the current preset's name: the device takes a
+// preset it stores as the one it runs.
 void SimDevice::WriteMemory(std::size_t address, std::uint8_t value) {
-  if (address < memory_.size()) memory_[address] = value;
+  if (address >= memory_.size()) return;
+  memory_[address] = value;
+  if (address >= mem::kSlotNames && address < mem::kSlotData)
+    memory_[mem::kPresetName + (address - mem::kSlotNames) % mem::kSlotNameLength] = value;
 }
 
 void SimDevice::SetSystemType(int systemType) {

@@ -44,6 +44,7 @@ class SimDevice {
   std::vector<std::uint8_t> AnswerPoll(const protocol::Frame& request) const;
   std::vector<std::uint8_t> ReadBlock(const protocol::Command& command) const;
   std::vector<std::uint8_t> ReadMemory(const protocol::Frame& request) const;
+  std::vector<std::uint8_t> ReportState(const protocol::Frame& request) const;
   void WriteMemory(std::size_t address, std::uint8_t value);
   void SetSystemType(int systemType);
 

@@ -23,7 +23,8 @@ struct CliRun {
   int FramesSeen() const {
     if (!simulator) return 0;
     int frames = 0;
-    for (int id : simulator->DeviceIds()) frames += simulator->Device(id).FramesHandled();
+    for (int id : simulator->DeviceIds())
+      frames += simulator->Device(id).FramesHandled();
     return frames;
   }
 
@@ -36,7 +37,7 @@ struct CliRun {
 TEST(CliTest, shouldListTheDevicesFoundInIdOrderWithProgressOnStderr) {
   CliRun run({"--port", "sim:7,0,3", "scan"});
   EXPECT_EQ(run.status, kExitOk);
-  EXPECT_EQ(run.out.str(), "ID 0\nID 3\nID 7\n");
+  EXPECT_EQ(run.out.str(), "ID 0\nID 3\nID 7\n");  // unnamed devices: nothing after the ID
   EXPECT_NE(run.err.str().find("0 %\n3.1 %\n6.2 %\n9.3 %\n"), std::string::npos);
   EXPECT_NE(run.err.str().find("\n100 %\n"), std::string::npos);
 }
@@ -45,7 +46,7 @@ TEST(CliTest, shouldExitByWhetherTheDeviceAnswersAPing) {
   EXPECT_EQ(CliRun({"--port", "sim:4", "--id", "4", "ping"}).status, kExitOk);
   EXPECT_EQ(CliRun({"--port", "sim:4", "--id", "5", "ping"}).status, kExitFailure);
   CliRun slow({"--port", "sim:4", "--id", "4", "ping"},
-           [](sim::SimLine& line) { line.Faults(4).answerSecondPollOnly = true; });
+              [](sim::SimLine& line) { line.Faults(4).answerSecondPollOnly = true; });
   EXPECT_EQ(slow.status, kExitOk);
 }
 
@@ -59,13 +60,16 @@ TEST(CliTest, shouldTraceEachFrameAndPrintTheReply) {
 }
 
 TEST(CliTest, shouldReportAFinalFailureInTheSystemsWordsAndExit1) {
-  CliRun run({"--port", "sim:0", "--id", "9", "--trace", "send", "1", "2", "0", "0", "0", "0", "0", "0", "120"});
+  CliRun run({"--port", "sim:0", "--id", "9", "--trace", "send", "1", "2", "0", "0", "0", "0", "0",
+              "0", "120"});
   EXPECT_EQ(run.status, kExitFailure);
   EXPECT_EQ(run.out.str(), "");
   const std::string err = run.err.str();
   EXPECT_EQ(std::count(err.begin(), err.end(), '>'), 5);  // five transmissions
-  EXPECT_NE(err.find("Communication problem:  The system will be close the communication with this device\n"),
-            std::string::npos);
+  EXPECT_NE(
+      err.find(
+          "Communication problem:  The system will be close the communication with this device\n"),
+      std::string::npos);
 }
 
 TEST(CliTest, shouldSendTheUnacknowledgedCodesWithoutWaiting) {
@@ -113,7 +117,8 @@ TEST(CliTest, shouldRefuseMalformedCommandLinesWithoutSendingAnything) {
 TEST(CliTest, shouldSayWhyAPortWillNotOpen) {
   CliRun run({"--port", "/dev/talvex-no-such-port", "ping"});
   EXPECT_EQ(run.status, kExitFailure);
-  EXPECT_NE(run.err.str().find("cannot open serial port /dev/talvex-no-such-port"), std::string::npos);
+  EXPECT_NE(run.err.str().find("cannot open serial port /dev/talvex-no-such-port"),
+            std::string::npos);
 }
 
 }  // namespace

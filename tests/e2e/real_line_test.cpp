@@ -10,6 +10,7 @@
 #include "link/link.h"
 #include "link/search.h"
 #include "params/default_image.h"
+#include "params/image_layout.h"
 #include "process.h"
 
 namespace talvex::testing {
@@ -48,7 +49,8 @@ void ExpectAFullConversation(link::Link& link) {
 TEST(RealLineTest, shouldTalkToTheSimulatorThroughAPseudoTerminalPair) {
   PtyPair pty;
   ASSERT_TRUE(pty.Ready()) << "socat must be installed";
-  ChildProcess sim(TALVEX_SIM_PATH, {"--ids", "0,3", "--device", QString::fromStdString(pty.First())});
+  ChildProcess sim(TALVEX_SIM_PATH,
+                   {"--ids", "0,3", "--device", QString::fromStdString(pty.First())});
   ASSERT_EQ(sim.ReadLine(QProcess::StandardOutput), pty.First());
   RealLine line(pty.Second());
   ExpectAFullConversation(line.Link());
@@ -83,7 +85,8 @@ TEST(RealLineTest, shouldTalkThroughSer2netOverTcp) {
   ASSERT_TRUE(config.open(QIODevice::WriteOnly));
   QTextStream(&config) << "%YAML 1.1\n---\nconnection: &talvex\n"
                        << "    accepter: tcp,127.0.0.1," << port << "\n"
-                       << "    connector: serialdev," << QString::fromStdString(pty) << ",9600n81,local\n"
+                       << "    connector: serialdev," << QString::fromStdString(pty)
+                       << ",9600n81,local\n"
                        << "    options:\n      kickolduser: true\n";
   config.close();
   ChildProcess gateway("ser2net", {"-n", "-d", "-c", config.fileName()});
@@ -93,8 +96,8 @@ TEST(RealLineTest, shouldTalkThroughSer2netOverTcp) {
     RealLine line("tcp:127.0.0.1:" + std::to_string(port));
     ExpectAFullConversation(line.Link());
   }
-  const Finished ping = RunToEnd(TALVEXCTL_PATH, {"--port", QString("tcp:127.0.0.1:%1").arg(port),
-                                                  "--id", "3", "ping"});
+  const Finished ping = RunToEnd(
+      TALVEXCTL_PATH, {"--port", QString("tcp:127.0.0.1:%1").arg(port), "--id", "3", "ping"});
   EXPECT_EQ(ping.status, 0) << ping.err;
   EXPECT_EQ(ping.out, "ID 3 answers\n");
 }
@@ -102,7 +105,8 @@ TEST(RealLineTest, shouldTalkThroughSer2netOverTcp) {
 TEST(RealLineTest, shouldShowTheFramesOfARealSearch) {
   PtyPair pty;
   ASSERT_TRUE(pty.Ready());
-  ChildProcess sim(TALVEX_SIM_PATH, {"--ids", "0,1,31", "--device", QString::fromStdString(pty.First())});
+  ChildProcess sim(TALVEX_SIM_PATH,
+                   {"--ids", "0,1,31", "--device", QString::fromStdString(pty.First())});
   ASSERT_FALSE(sim.ReadLine(QProcess::StandardOutput).empty());
   const Finished scan =
       RunToEnd(TALVEXCTL_PATH, {"--port", QString::fromStdString(pty.Second()), "--trace", "scan"});
@@ -115,6 +119,55 @@ TEST(RealLineTest, shouldShowTheFramesOfARealSearch) {
   EXPECT_NE(scan.err.find("> F0 81 02 00 00 00 00 00 00 00 00 02 F7\n"
                           "> F0 81 02 00 00 00 00 00 00 00 00 02 F7\n"),
             std::string::npos);
+}
+
+TEST(RealLineTest, shouldPushAPresetThroughAPseudoTerminalAndPullTheSameBytesBack) {
+  PtyPair pty;
+  ASSERT_TRUE(pty.Ready());
+  ChildProcess sim(TALVEX_SIM_PATH,
+                   {"--ids", "0,3", "--device", QString::fromStdString(pty.First())});
+  ASSERT_FALSE(sim.ReadLine(QProcess::StandardOutput).empty());
+  const QString port = QString::fromStdString(pty.Second());
+  QTemporaryDir dir;
+  const QString show = dir.filePath("show.tvx");
+  const QString back = dir.filePath("back.tvx");
+  // A preset as the device keeps it (limiter bytes name their channel), with a name and a band.
+  params::PresetImage preset = params::DefaultImage[0];
+  for (std::size_t ch = 0; ch < 8; ++ch)
+    preset[params::LimiterOffset[ch]] = static_cast<std::uint8_t>(ch << 4);
+  std::copy_n("  Bass", 6, preset.begin() + static_cast<long>(params::NameOffset[3]));
+  preset[params::EqBandStart[12] + 2] = 42;
+  QFile file(show);
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  QByteArray bytes(1155, '\0');
+  std::copy(preset.begin(), preset.end(), bytes.begin());
+  file.write(bytes);
+  file.close();
+
+  const Finished push = RunToEnd(TALVEXCTL_PATH, {"--port", port, "--id", "3", "push", show});
+  ASSERT_EQ(push.status, 0) << push.err;
+  EXPECT_EQ(
+      push.out,
+      "ID:3 TALVEX - Last preset loaded: come from PC - show.tvx - Type: 2x2 WAY XOVER + SUB\n");
+  const Finished pull = RunToEnd(TALVEXCTL_PATH, {"--port", port, "--id", "3", "pull", back});
+  ASSERT_EQ(pull.status, 0) << pull.err;
+  QFile pulled(back);
+  ASSERT_TRUE(pulled.open(QIODevice::ReadOnly));
+  const QByteArray got = pulled.readAll();
+  ASSERT_EQ(got.size(), 1155);
+  EXPECT_EQ(got.left(304), bytes.left(304));
+
+  const Finished other =
+      RunToEnd(TALVEXCTL_PATH, {"--port", port, "--file", dir.filePath("six.tvx"), "new", "2"});
+  ASSERT_EQ(other.status, 0) << other.err;
+  const Finished refused =
+      RunToEnd(TALVEXCTL_PATH, {"--port", port, "--id", "3", "push", dir.filePath("six.tvx")});
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_NE(
+      refused.err.find(
+          "The new preset is for 6 WAY XOVER, please change Xover-Type from System Setup button"),
+      std::string::npos)
+      << refused.err;
 }
 
 }  // namespace

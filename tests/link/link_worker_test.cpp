@@ -92,6 +92,23 @@ TEST_F(LinkWorkerTest, shouldDropTheWaitingJobsOfADeviceThatFailed) {
   EXPECT_EQ(observer.failures[0].deviceId, 1);
 }
 
+TEST_F(LinkWorkerTest, shouldRefuseJobsForAFailedDeviceUntilItIsRevived) {
+  line.simulator->Faults(1).silentFrames = 5;
+  int ran = 0;
+  LinkWorker worker(link, &observer);
+  worker.Enqueue(1, [&](Link& l) { ++ran, (void)l.SendCommand(1, Mute(2, 1)); });
+  worker.WaitIdle();
+  worker.Enqueue(1,
+                 [&](Link& l) { ++ran, (void)l.SendCommand(1, Mute(2, 1)); });  // queued too late
+  worker.WaitIdle();
+  EXPECT_EQ(ran, 1);
+  worker.Revive(1);
+  worker.Enqueue(1, [&](Link& l) { ++ran, (void)l.SendCommand(1, Mute(2, 1)); });
+  worker.WaitIdle();
+  EXPECT_EQ(ran, 2);
+  EXPECT_EQ(observer.failures.size(), 1u);
+}
+
 TEST_F(LinkWorkerTest, shouldRunWhatIsQueuedBeforeStopping) {
   int ran = 0;
   {

@@ -29,10 +29,11 @@ TEST(SimDeviceTest, shouldNeverAnswerTheReleaseAndLeaveCommands) {
 
 TEST(SimDeviceTest, shouldAcknowledgeByEchoingTheFrame) {
   SimDevice device(1);
-  for (std::uint8_t code : {1, 2, 3, 4, 5, 7, 8, 9, 13, 14, 18, 23, 29, 34, 35, 36}) {
+  for (std::uint8_t code : {1, 2, 3, 4, 5, 7, 8, 9, 13, 14, 18, 29, 34, 35, 36}) {
     const protocol::Frame request = Request(1, code, {2, 0, 0, 0, 0, 0, 1, 99});
     const auto reply = device.Handle(request);
-    EXPECT_TRUE(std::equal(reply.begin(), reply.end(), request.begin(), request.end())) << int(code);
+    EXPECT_TRUE(std::equal(reply.begin(), reply.end(), request.begin(), request.end()))
+        << int(code);
   }
 }
 
@@ -42,7 +43,8 @@ TEST(SimDeviceTest, shouldReadTheLiveImageAndStoredPresetsAsBlocks) {
   ASSERT_EQ(live.size(), 304u);
   EXPECT_TRUE(std::equal(live.begin(), live.end(), params::DefaultImage[1].begin()));
 
-  for (std::size_t i = 0; i < 304; ++i) device.DeviceMemory()[7760 + i] = static_cast<std::uint8_t>(i);
+  for (std::size_t i = 0; i < 304; ++i)
+    device.DeviceMemory()[7760 + i] = static_cast<std::uint8_t>(i);
   const auto slot23 = device.Handle(Request(0, 11, {23, 0}));
   ASSERT_EQ(slot23.size(), 304u);
   EXPECT_EQ(slot23[0], 0);
@@ -74,6 +76,34 @@ TEST(SimDeviceTest, shouldLoadTheFactoryImageOfANewSystemType) {
   EXPECT_EQ(device.LiveImage(), params::DefaultImage[2]);
   device.Handle(Request(0, 21, {3}));  // not a type: ignored
   EXPECT_EQ(device.SystemType(), 2);
+}
+
+TEST(SimDeviceTest, shouldReportItsStateBesideTheImageForCommand23) {
+  SimDevice device(4, 1);
+  device.Handle(Request(4, 13, {0, 0, 0, 0, 0, 0, 0, 1}));  // S/PDIF
+  device.Handle(Request(4, 2, {2, 0, 0, 0, 7, 0, 1, 5}));   // byte 322 = 7
+  device.Handle(Request(4, 17, {0, 0x12, 0, 0, 1}));        // delay unit m
+  device.Handle(Request(4, 34, {1}));                       // outputs linked
+  device.Handle(Request(4, 17, {0, 0x16, 0, 0, 1}));        // locked
+  EXPECT_EQ(protocol::FormatHex(device.Handle(Request(4, 23))),
+            "F0 81 04 17 01 01 07 01 01 00 00 00 F7");
+  // With an address it reads like command 16: the addressed byte in p5.
+  EXPECT_EQ(device.Handle(Request(4, 23, {0, 0x16}))[8], 1);
+  EXPECT_EQ(protocol::FormatHex(device.Handle(Request(4, 36))),
+            "F0 81 04 24 00 00 00 00 00 00 00 00 F7");
+}
+
+TEST(SimDeviceTest, shouldTakeAStoredSlotNameAsTheCurrentPresetName) {
+  SimDevice device(0);
+  const auto name = [&] {
+    std::string text;
+    for (std::size_t i = 0; i < 16; ++i)
+      text += static_cast<char>(device.DeviceMemory()[0x40 + i]);
+    return text;
+  };
+  EXPECT_EQ(name(), "  Preset Empty  ");
+  device.Handle(Request(0, 24, {0x01, 0x90, 'S', 'h', 'o', 'w'}));  // slot 1, bytes 0..3
+  EXPECT_EQ(name(), "Showeset Empty  ");
 }
 
 }  // namespace

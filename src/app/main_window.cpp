@@ -1,0 +1,147 @@
+#include "app/main_window.h"
+
+#include <QCloseEvent>
+#include <QMdiSubWindow>
+#include <QMenuBar>
+#include <QStatusBar>
+
+namespace talvex::app {
+
+MainWindow::MainWindow(std::unique_ptr<Session> session, UserDialogs& dialogs, QWidget* parent)
+    : QMainWindow(parent), session_(std::move(session)), dialogs_(dialogs), area_(new QMdiArea) {
+  setWindowTitle(kMainTitle);
+  setCentralWidget(area_);
+  area_->setBackground(QColor(0x5b, 0x63, 0x70));
+  BuildMenus();
+  resize(1000, 680);
+  connect(session_.get(), &Session::startupFinished, this, &MainWindow::FinishStartup);
+  connect(session_.get(), &Session::connected, this, &MainWindow::OpenEditor);
+  connect(session_.get(), &Session::deviceLost, this, &MainWindow::CloseEditorOf);
+  connect(session_.get(), &Session::fatalTimeOut, this, [this] { emit quitRequested(1); });
+}
+
+MainWindow::~MainWindow() {
+  // Editors first: they belong to the session's devices.
+  area_->closeAllSubWindows();
+}
+
+void MainWindow::BuildMenus() {
+  QMenu* file = menuBar()->addMenu("&File");
+  file->addAction("E&xit", QKeySequence::Quit, this, &QWidget::close);
+  QMenu* window = menuBar()->addMenu("&Window");
+  window->addAction("&Devices", this, [this] {
+    if (deviceList_)
+      area_->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(deviceList_->parentWidget()));
+  });
+  window->addAction("&Tile", area_, &QMdiArea::tileSubWindows);
+  window->addAction("&Cascade", area_, &QMdiArea::cascadeSubWindows);
+}
+
+void MainWindow::Start(const StartupChoice& choice) {
+  statusBar()->showMessage(QString("Port: %1").arg(QString::fromStdString(choice.port)));
+  if (choice.mode != SearchMode::SingleDevice) {
+    search_ = new SearchWindow(this);
+    connect(session_.get(), &Session::searchProgress, search_, &SearchWindow::ShowProgress);
+    search_->show();
+  }
+  session_->Start(choice);
+}
+
+void MainWindow::FinishStartup(StartupOutcome outcome) {
+  if (search_) search_->hide();
+  if (outcome == StartupOutcome::Refused) {
+    emit startupFinished(outcome);
+    emit quitRequested(0);  // no exit question: Closing is set
+    return;
+  }
+  if (outcome == StartupOutcome::DemoMode)
+    statusBar()->showMessage("Demo mode: nothing is sent to the devices");
+  deviceList_ = new DeviceListWindow(*session_);
+  QMdiSubWindow* sub = area_->addSubWindow(deviceList_, Qt::SubWindow | Qt::WindowTitleHint);
+  sub->resize(360, 320);
+  sub->move(8, 8);
+  sub->show();
+  emit startupFinished(outcome);
+}
+
+editor::CtrlWindow* MainWindow::Editor(int slot) const {
+  CheckIndex(slot, kWindowSlotCount - 1, "window slot");
+  return editors_[static_cast<std::size_t>(slot)];
+}
+
+void MainWindow::OpenEditor(int deviceId) {
+  const OpenResult result = slots_.Open(deviceId);
+  if (result.refusal == OpenRefusal::OutOfMemory) {
+    dialogs_.ShowMessage(std::string(kOutOfMemoryTitle), std::string(kOutOfMemoryText),
+                         DialogIcon::Warning);
+    return;
+  }
+  if (result.refusal == OpenRefusal::AlreadyOpen) {
+    dialogs_.ShowMessage(std::string(kAlreadyOpenTitle), std::string(kAlreadyOpenText),
+                         DialogIcon::Warning);
+    return;
+  }
+  const int slot = *result.slot;
+  if (!errorsReported_) {  // from the first editor on, a failed edit is reported
+    session_->ReportLinkErrors();
+    errorsReported_ = true;
+  }
+  auto* editor =
+      new editor::CtrlWindow(deviceId, slot, [this, deviceId] { return MayCloseEditor(deviceId); });
+  const DeviceEntry& device = session_->Device(deviceId);
+  editor->ShowDevice(device.name, device.params);
+  connect(editor, &editor::CtrlWindow::closed, this, &MainWindow::EditorClosed);
+  connect(editor, &editor::CtrlWindow::disconnectRequested, this, &MainWindow::Unconnect);
+  editors_[static_cast<std::size_t>(slot)] = editor;
+  QMdiSubWindow* sub = area_->addSubWindow(editor);
+  sub->setAttribute(Qt::WA_DeleteOnClose);
+  sub->move(380 + 24 * slot, 8 + 24 * slot);
+  sub->show();
+}
+
+bool MainWindow::MayCloseEditor(int deviceId) {
+  if (session_->Device(deviceId).disconnected) return true;
+  const std::string title = "ID:" + std::to_string(deviceId) + kCloseWindowSuffix;
+  return dialogs_.AskYesNo(title, kExitQuestion, DialogIcon::None, Answer::Yes) == Answer::Yes;
+}
+
+void MainWindow::EditorClosed(int slot) {
+  slots_.Close(slot);
+  editors_[static_cast<std::size_t>(slot)] = nullptr;
+  if (deviceList_) deviceList_->Redraw();
+}
+
+void MainWindow::CloseEditorOf(int deviceId) {
+  if (const auto slot = slots_.SlotOfDevice(deviceId)) {
+    if (editor::CtrlWindow* editor = editors_[static_cast<std::size_t>(*slot)]) {
+      if (auto* sub = qobject_cast<QMdiSubWindow*>(editor->parentWidget())) {
+        editor->CloseWithoutAsking();
+        sub->close();
+      }
+    }
+  }
+}
+
+void MainWindow::Unconnect(int deviceId) {
+  if (dialogs_.AskYesNo(kUnconnectTitle, kUnconnectQuestion, DialogIcon::None, Answer::Yes) ==
+      Answer::No)
+    return;
+  session_->Unconnect(deviceId);
+  CloseEditorOf(deviceId);
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  if (session_->Closing() || leaving_) {
+    event->accept();
+    return;
+  }
+  event->ignore();
+  if (dialogs_.AskYesNo(kExitTitle, kExitQuestion, DialogIcon::None, Answer::No) == Answer::No)
+    return;
+  leaving_ = true;
+  hide();
+  // Command 143 goes out after whatever is queued; the program ends once it has.
+  session_->SendLeaveAndThen([this] { emit quitRequested(0); });
+}
+
+}  // namespace talvex::app

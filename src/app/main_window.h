@@ -1,0 +1,71 @@
+// The program's frame window, "TALVEX Speaker management": the device list and up to 11 editor
+// windows inside it. It runs the start-up, opens and closes editors by the slot rules, and asks
+// before the program ends.
+#pragma once
+
+#include <QMainWindow>
+#include <QMdiArea>
+#include <array>
+#include <memory>
+
+#include "app/device_list_window.h"
+#include "app/search_window.h"
+#include "app/session.h"
+#include "app/window_slots.h"
+#include "editor/ctrl_window.h"
+
+namespace talvex::app {
+
+inline constexpr const char* kMainTitle = "TALVEX Speaker management";
+inline constexpr const char* kExitTitle = "Exit";
+inline constexpr const char* kExitQuestion = "               Are you sure ? ";
+inline constexpr const char* kCloseWindowSuffix = " - Close window";
+
+class MainWindow : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  MainWindow(std::unique_ptr<Session> session, UserDialogs& dialogs, QWidget* parent = nullptr);
+  ~MainWindow() override;
+
+  void Start(const StartupChoice& choice);
+
+  Session& CurrentSession() { return *session_; }
+  const WindowSlots& Slots() const { return slots_; }
+  DeviceListWindow* DeviceList() const { return deviceList_; }
+  SearchWindow* Search() const { return search_; }
+  editor::CtrlWindow* Editor(int slot) const;
+  QMdiArea* Area() const { return area_; }
+
+  // Opens the device's editor by the slot rules (Out of memory, already open, lowest free slot).
+  void OpenEditor(int deviceId);
+  // The editor's "Disconnect device": asks, then sends command 15 and closes the editor.
+  void Unconnect(int deviceId);
+
+ signals:
+  void startupFinished(talvex::app::StartupOutcome outcome);
+  // The program must end with this exit code (after "Are you sure ?", demo refused, "Time out").
+  void quitRequested(int exitCode);
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void BuildMenus();
+  void FinishStartup(StartupOutcome outcome);
+  void CloseEditorOf(int deviceId);
+  void EditorClosed(int slot);
+  bool MayCloseEditor(int deviceId);
+
+  std::unique_ptr<Session> session_;
+  UserDialogs& dialogs_;
+  QMdiArea* area_;
+  WindowSlots slots_;
+  std::array<editor::CtrlWindow*, kWindowSlotCount> editors_{};
+  DeviceListWindow* deviceList_ = nullptr;
+  SearchWindow* search_ = nullptr;
+  bool errorsReported_ = false;
+  bool leaving_ = false;
+};
+
+}  // namespace talvex::app

@@ -1,0 +1,302 @@
+#include "app/session.h"
+
+#include <QMetaObject>
+
+#include "link/device_name.h"
+#include "link/search.h"
+#include "presets/live_image.h"
+
+namespace talvex::app {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// Between the port's receive reset and the first poll of a connect, two short pauses.
+constexpr link::Clock::Duration kConnectSettlePause = 50ms;
+// Single-device mode polls once more after this pause.
+constexpr link::Clock::Duration kSinglePollPause = 30ms;
+// Each device of a name refresh is followed by this pause.
+constexpr link::Clock::Duration kRefreshPause = 50ms;
+
+}  // namespace
+
+Session::Session(link::Line line, UserDialogs& dialogs, std::filesystem::path configFolder,
+                 QObject* parent)
+    : QObject(parent),
+      line_(std::move(line)),
+      link_(*line_.transport, *line_.clock),
+      dialogs_(dialogs),
+      configFolder_(std::move(configFolder)) {
+  link::LinkObserver* observer = this;
+  worker_ = std::make_unique<link::LinkWorker>(link_, observer);
+}
+
+// The worker finishes what is queued (command 143 at the end of a run) before the line closes.
+Session::~Session() {
+  worker_.reset();
+}
+
+const DeviceEntry& Session::Device(int deviceId) const {
+  CheckIndex(deviceId, kMaxDeviceId, "device ID");
+  return devices_[static_cast<std::size_t>(deviceId)];
+}
+
+DeviceEntry& Session::Device(int deviceId) {
+  CheckIndex(deviceId, kMaxDeviceId, "device ID");
+  return devices_[static_cast<std::size_t>(deviceId)];
+}
+
+std::string Session::RowText(int deviceId) const {
+  const char* state = rowState_[static_cast<std::size_t>(deviceId)];
+  return link::DeviceRowText(state ? std::string(state) : Device(deviceId).name, deviceId);
+}
+
+void Session::Post(std::function<void()> call) {
+  QMetaObject::invokeMethod(this, std::move(call), Qt::QueuedConnection);
+}
+
+void Session::Start(const StartupChoice& choice) {
+  // The link starts with sending allowed; errors are reported once an editor has loaded.
+  Submit(
+      link::kAnyDevice, {},
+      [this, choice](link::Link& link) { return SearchOnWorker(link, choice); },
+      [this, choice](StartupResult result) { FinishStartup(choice, result); });
+}
+
+Session::StartupResult Session::SearchOnWorker(link::Link& link, const StartupChoice& choice) {
+  link.Flags().SendSuspended = false;
+  StartupResult result;
+  result.portOpened = link.OpenPort();
+  if (!result.portOpened) return result;
+  if (choice.mode == SearchMode::SingleDevice) {
+    const int id = choice.singleDeviceId;
+    bool present = link.PollDevice(id, link::PollCommand(id));
+    if (!present) {
+      link.Time().SleepFor(kSinglePollPause);
+      present = link.PollDevice(id, link::PollCommand(id));
+    }
+    if (present) result.found.push_back(id);
+    return result;
+  }
+  std::vector<int> ids = link::AllDeviceIds();
+  if (choice.mode == SearchMode::IdList) ids.assign(choice.ids.begin(), choice.ids.end());
+  result.found = link::SearchDevices(link, ids, [this](const std::string& text) {
+    Post([this, text] { emit searchProgress(QString::fromStdString(text)); });
+  });
+  return result;
+}
+
+void Session::FinishStartup(const StartupChoice& choice, const StartupResult& result) {
+  if (!result.found.empty()) {
+    listedIds_ = result.found;
+    emit rowsChanged();
+    emit startupFinished(StartupOutcome::DevicesFound);
+    RefreshNames();
+    return;
+  }
+  if (!result.portOpened) return OfferDemoMode(kComNotFoundQuestion);
+  OfferDemoMode(choice.mode == SearchMode::SingleDevice ? kDevicesUnconnectedQuestion
+                                                        : kDevicesDisconnectedQuestion);
+}
+
+// On No the program ends without the exit question; on Yes nothing is sent from now on and the
+// list shows the devices of "Speakers.cfg".
+void Session::OfferDemoMode(const char* question) {
+  if (dialogs_.AskYesNo(kWarningTitle, question, DialogIcon::Warning, Answer::Yes) == Answer::No) {
+    closing_ = true;
+    emit startupFinished(StartupOutcome::Refused);
+    return;
+  }
+  demoMode_ = true;
+  Submit(
+      link::kAnyDevice, {}, [](link::Link& link) { return link.Flags().DemoMode = true; },
+      [](bool) {});
+  const auto records = config::ReadSpeakerRecords(configFolder_);
+  listedIds_ = config::PresentDeviceIds(records.value);
+  if (listedIds_.empty()) {
+    dialogs_.ShowMessage(kDevicesNotFoundTitle, kDevicesNotFoundText, DialogIcon::Critical);
+    closing_ = true;
+    emit startupFinished(StartupOutcome::Refused);
+    return;
+  }
+  for (int id : listedIds_)
+    Device(id).name = std::string(link::kDemoDeviceName);
+  emit rowsChanged();
+  emit startupFinished(StartupOutcome::DemoMode);
+}
+
+void Session::RefreshNames() {
+  if (demoMode_) {
+    for (int id : listedIds_)
+      Device(id).name = std::string(link::kDemoDeviceName);
+    emit rowsChanged();
+    return;
+  }
+  RefreshFrom(0);
+}
+
+// One device per job, so that edits queued meanwhile wait for one device's reads at most.
+void Session::RefreshFrom(std::size_t row) {
+  if (row >= listedIds_.size()) return SaveSpeakerRecords();
+  const int id = listedIds_[row];
+  struct Refreshed {
+    std::optional<std::string> name;
+    std::optional<params::ParamImage> image;
+  };
+  Submit(
+      id, {},
+      [id, image = Device(id).params.image](link::Link& link) mutable {
+        Refreshed result;
+        result.name = link::ReadDeviceName(link, id);
+        if (result.name && presets::ReadLiveImage(link, id, image) == presets::LiveRead::Received)
+          result.image = image;
+        link.Time().SleepFor(kRefreshPause);
+        return result;
+      },
+      [this, id, row](Refreshed result) {
+        if (!result.name) return;  // the pass ends here; this row and the rest keep their text
+        DeviceEntry& device = Device(id);
+        device.name = *result.name;
+        if (result.image) {
+          device.params = params::DeviceParams::FromImage(*result.image);
+          device.imageRead = true;
+        }
+        emit rowsChanged();
+        RefreshFrom(row + 1);
+      });
+}
+
+void Session::Connect(int deviceId) {
+  DeviceEntry& device = Device(deviceId);
+  if (device.disconnected &&
+      dialogs_.AskYesNo(kConnectTitle, kConnectQuestion, DialogIcon::Exclamation, Answer::Yes) ==
+          Answer::No) {
+    return;
+  }
+  if (demoMode_) {  // nothing is polled in demo mode: the editor works on the PC's copy
+    device.name = std::string(link::kDemoDeviceName);
+    emit connected(deviceId);
+    return;
+  }
+  worker_->Revive(deviceId);
+  Submit(
+      deviceId, {}, [this, deviceId](link::Link& link) { return ConnectOnWorker(link, deviceId); },
+      [this, deviceId](ConnectResult result) { FinishConnect(deviceId, result); });
+}
+
+Session::ConnectResult Session::ConnectOnWorker(link::Link& link, int deviceId) const {
+  ConnectResult result;
+  link.Line().DiscardInput();  // the port's receive state is reset, with a pause either side
+  link.Time().SleepFor(kConnectSettlePause);
+  link.Time().SleepFor(kConnectSettlePause);
+  result.present = link::PollTwice(link, deviceId);
+  if (!result.present) return result;
+  const auto name = link::ReadDeviceName(link, deviceId);
+  if (!name) {
+    // With errors reported, the link has shown the failure and closed the device already.
+    result.nameRead =
+        link.Flags().ReportLinkErrors ? link::SendResult::Failed : link::SendResult::NoReply;
+    return result;
+  }
+  result.nameRead = link::SendResult::Replied;
+  result.name = *name;
+  params::ParamImage image = Device(deviceId).params.image;
+  if (presets::ReadLiveImage(link, deviceId, image) == presets::LiveRead::Received)
+    result.image = image;
+  return result;
+}
+
+void Session::FinishConnect(int deviceId, const ConnectResult& result) {
+  DeviceEntry& device = Device(deviceId);
+  const std::size_t index = static_cast<std::size_t>(deviceId);
+  if (!result.present) {
+    device.disconnected = true;
+    dialogs_.ShowMessage(link::kCommunicationProblemTitle.data(), kDeviceDisconnectedText,
+                         DialogIcon::Warning);
+    return;
+  }
+  if (result.name.empty()) {
+    if (result.nameRead == link::SendResult::NoReply) {  // not reported by the link yet
+      rowState_[index] = kUnknownRowName;
+      emit rowsChanged();
+      dialogs_.ShowMessage(link::kCommunicationProblemTitle.data(),
+                           kConnectTimeOutText + std::to_string(deviceId), DialogIcon::Warning);
+    }
+    return;
+  }
+  device.name = result.name;
+  device.disconnected = false;
+  rowState_[index] = nullptr;
+  if (result.image) {
+    device.params = params::DeviceParams::FromImage(*result.image);
+    device.imageRead = true;
+  }
+  emit rowsChanged();
+  emit connected(deviceId);
+}
+
+void Session::Unconnect(int deviceId) {
+  Device(deviceId).disconnected = true;
+  rowState_[static_cast<std::size_t>(deviceId)] = kUnconnectedRowName;
+  worker_->DropJobsFor(deviceId);
+  Submit(
+      deviceId, {},
+      [deviceId](link::Link& link) {
+        protocol::Command release;
+        release.code = protocol::code::kRelease;
+        return link.SendCommand(deviceId, release);
+      },
+      [](link::SendResult) {});
+  emit rowsChanged();
+}
+
+void Session::ReportLinkErrors() {
+  Submit(
+      link::kAnyDevice, {}, [](link::Link& link) { return link.Flags().ReportLinkErrors = true; },
+      [](bool) {});
+}
+
+void Session::SendLeaveAndThen(std::function<void()> done) {
+  Submit(
+      link::kAnyDevice, {},
+      [](link::Link& link) {
+        protocol::Command leave;
+        leave.code = protocol::code::kLeaveProgram;
+        return link.SendCommand(0, leave);
+      },
+      [done = std::move(done)](link::SendResult) { done(); });
+}
+
+// The devices found are kept in "Speakers.cfg" with their names, so that demo mode can list them
+// on a later run.
+void Session::SaveSpeakerRecords() const {
+  config::SpeakerRecords records{};
+  for (std::size_t i = 0; i < records.size(); ++i)
+    records[i].id = static_cast<std::int16_t>(i);
+  for (int id : listedIds_) {
+    records[static_cast<std::size_t>(id)].present = true;
+    records[static_cast<std::size_t>(id)].name = Device(id).name;
+  }
+  // A folder that refuses the file only costs the demo list of a later run.
+  (void)config::WriteSpeakerRecords(configFolder_, records);
+}
+
+// Called on the worker thread: the rest happens on the interface's thread.
+void Session::LinkFailed(const link::LinkFailure& failure) {
+  const link::LinkFailure copy = failure;
+  Post([this, copy] {
+    if (copy.kind == link::FailureKind::BlockTimeOut) {
+      dialogs_.ShowMessage(std::string(copy.title), std::string(copy.text), DialogIcon::Warning);
+      emit fatalTimeOut();
+      return;
+    }
+    dialogs_.ShowMessage(std::string(copy.title), std::string(copy.text), DialogIcon::Warning);
+    Device(copy.deviceId).disconnected = true;
+    rowState_[static_cast<std::size_t>(copy.deviceId)] = kLinkFailedRowName;
+    emit rowsChanged();
+    emit deviceLost(copy.deviceId);
+  });
+}
+
+}  // namespace talvex::app

@@ -1,0 +1,171 @@
+// The program's side of the line: the link worker, the devices on the line with their names and
+// images, the start-up search, the name refresh, connecting and disconnecting. It lives on the
+// user-interface thread; every exchange runs on the link worker, and its result comes back here
+// as a queued call, so the interface never waits on the wire.
+#pragma once
+
+#include <QObject>
+#include <array>
+#include <atomic>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/startup_choice.h"
+#include "editor/user_dialogs.h"
+#include "link/line.h"
+#include "link/link.h"
+#include "link/link_worker.h"
+#include "params/device_params.h"
+
+namespace talvex::app {
+
+using editor::Answer;
+using editor::DialogIcon;
+using editor::UserDialogs;
+
+// Texts of the start-up and the device list.
+inline constexpr const char* kWarningTitle = "Warning";
+inline constexpr const char* kDevicesDisconnectedQuestion =
+    "Devices disconnected, do you want to continue in demo mode?";
+inline constexpr const char* kDevicesUnconnectedQuestion =
+    "Devices unconnected, do you want to continue in demo mode?";
+inline constexpr const char* kComNotFoundQuestion =
+    "COM not found, do you want to continue in demo mode?";
+inline constexpr const char* kDevicesNotFoundTitle = "Exit";
+inline constexpr const char* kDevicesNotFoundText = "      Devices not found!";
+inline constexpr const char* kConnectTitle = "Connect device";
+inline constexpr const char* kConnectQuestion = "Do you want connect this device, are you sure ? ";
+inline constexpr const char* kDeviceDisconnectedText = "Device disconnected";
+inline constexpr const char* kConnectTimeOutText =
+    "Time-Out: Communication problem with device ID:";
+inline constexpr const char* kUnconnectTitle = "Unconnect device";
+inline constexpr const char* kUnconnectQuestion =
+    "Do you want unconnect this device, are you sure ? ";
+inline constexpr const char* kLinkFailedRowName = " Disconnected    ";
+inline constexpr const char* kUnconnectedRowName = " disconnected    ";
+inline constexpr const char* kUnknownRowName = "---";
+
+enum class StartupOutcome {
+  DevicesFound,  // the list shows the devices that answered
+  DemoMode,      // nothing is sent; the list shows the devices of "Speakers.cfg"
+  Refused,       // the user refused demo mode, or nothing can be listed: the program ends
+};
+
+struct DeviceEntry {
+  std::string name;           // the 16-character name as last read ("" before)
+  bool disconnected = false;  // cut off by a link failure or by the user
+  params::DeviceParams params = params::DeviceParams::FromDefault(0);
+  bool imageRead = false;  // params hold what the device sent, not the factory image
+};
+
+class Session : public QObject, private link::LinkObserver {
+  Q_OBJECT
+
+ public:
+  Session(link::Line line, UserDialogs& dialogs, std::filesystem::path configFolder,
+          QObject* parent = nullptr);
+  ~Session() override;
+
+  // Opens the port and finds the devices, or offers demo mode. Ends with startupFinished().
+  void Start(const StartupChoice& choice);
+
+  bool DemoMode() const { return demoMode_; }
+  bool Closing() const { return closing_; }
+  const std::vector<int>& ListedIds() const { return listedIds_; }
+  const DeviceEntry& Device(int deviceId) const;
+  DeviceEntry& Device(int deviceId);
+  // The device's row in the device list: its name (or the state that replaces it), "  ID:", ID.
+  std::string RowText(int deviceId) const;
+
+  // One pass over the listed devices: each name is read (one byte per exchange) and, outside
+  // demo mode, the live image. The pass stops at the first device that does not answer; that row
+  // and the ones after it keep their text. It does not repeat by itself, so that the line stays
+  // free for edits.
+  void RefreshNames();
+
+  // Polls the device and reads its name and image; ends with connected() or, when it does not
+  // answer, with the system's message.
+  void Connect(int deviceId);
+  // Sends command 15 and marks the device disconnected.
+  void Unconnect(int deviceId);
+  // From the first editor window on, a final failure of an edit is reported and closes the device.
+  void ReportLinkErrors();
+  // Sends command 143 to ID 0 and calls `done` once everything queued before it has gone out.
+  void SendLeaveAndThen(std::function<void()> done);
+
+  // Runs `work` on the link worker and then `done` with its result back on this thread. Edits
+  // with the same non-empty key that still wait are replaced by the newer one.
+  template <typename Work, typename Done>
+  void Submit(int deviceId, const std::string& key, Work work, Done done);
+
+  link::LinkWorker& Worker() { return *worker_; }
+  // Jobs submitted whose result has not come back to this thread yet (dropped ones excluded).
+  int Outstanding() const { return outstanding_.load(); }
+  sim::SimLine* Simulator() { return line_.simulator.get(); }
+
+ signals:
+  void searchProgress(QString text);
+  void startupFinished(talvex::app::StartupOutcome outcome);
+  void rowsChanged();
+  void connected(int deviceId);
+  // The device failed during an edit: the message has been shown, its editor must close.
+  void deviceLost(int deviceId);
+  // A block read timed out: "Time out" has been shown and the program must end at once.
+  void fatalTimeOut();
+
+ private:
+  struct StartupResult {
+    bool portOpened = false;
+    std::vector<int> found;
+  };
+  struct ConnectResult {
+    bool present = false;
+    link::SendResult nameRead = link::SendResult::Skipped;
+    std::string name;
+    std::optional<params::ParamImage> image;
+  };
+
+  StartupResult SearchOnWorker(link::Link& link, const StartupChoice& choice);
+  void FinishStartup(const StartupChoice& choice, const StartupResult& result);
+  void OfferDemoMode(const char* question);
+  void RefreshFrom(std::size_t row);
+  ConnectResult ConnectOnWorker(link::Link& link, int deviceId) const;
+  void FinishConnect(int deviceId, const ConnectResult& result);
+  void SaveSpeakerRecords() const;
+  void Post(std::function<void()> call);
+
+  void LinkFailed(const link::LinkFailure& failure) override;
+
+  link::Line line_;
+  link::Link link_;
+  std::unique_ptr<link::LinkWorker> worker_;
+  UserDialogs& dialogs_;
+  std::filesystem::path configFolder_;
+  std::array<DeviceEntry, kDeviceCount> devices_{};
+  std::vector<int> listedIds_;
+  std::array<const char*, kDeviceCount> rowState_{};  // replaces the name in the row when set
+  bool demoMode_ = false;
+  bool closing_ = false;
+  std::atomic<int> outstanding_{0};  // released on the worker thread when a job is dropped
+};
+
+template <typename Work, typename Done>
+void Session::Submit(int deviceId, const std::string& key, Work work, Done done) {
+  // A job carries a token; when the worker drops the job, the token goes with it.
+  auto token =
+      std::shared_ptr<std::atomic<int>>(&outstanding_, [](std::atomic<int>* count) { --*count; });
+  ++outstanding_;
+  worker_->EnqueueCoalesced(
+      deviceId, key,
+      [this, token, work = std::move(work), done = std::move(done)](link::Link& link) mutable {
+        auto result = work(link);
+        Post([token = std::move(token), done = std::move(done),
+              result = std::move(result)]() mutable { done(std::move(result)); });
+      });
+}
+
+}  // namespace talvex::app

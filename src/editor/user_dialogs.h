@@ -1,0 +1,30 @@
+// Every message box, question and file dialog of the program goes through this interface: the
+// windows ask it, the Qt implementation shows the real boxes, tests answer with a script and
+// check each text character for character.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace talvex::editor {
+
+enum class DialogIcon { None, Information, Warning, Critical, Exclamation };
+enum class Answer { Yes, No };
+
+class UserDialogs {
+ public:
+  virtual ~UserDialogs() = default;
+  // A Yes/No question; `defaultAnswer` is the button Enter presses.
+  virtual Answer AskYesNo(const std::string& title, const std::string& text, DialogIcon icon,
+                          Answer defaultAnswer) = 0;
+  // A message with an OK button.
+  virtual void ShowMessage(const std::string& title, const std::string& text, DialogIcon icon) = 0;
+  // A file to open or to save to, or nothing when the user cancels. `filter` is written as the
+  // device's tools write it: "file preset (*.tvx)|*.tvx".
+  virtual std::optional<std::string> ChooseOpenFile(const std::string& folder,
+                                                    const std::string& filter) = 0;
+  virtual std::optional<std::string> ChooseSaveFile(const std::string& folder,
+                                                    const std::string& filter) = 0;
+};
+
+}  // namespace talvex::editor

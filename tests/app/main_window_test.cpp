@@ -1,0 +1,156 @@
+// Editor windows, their slots, link failures, unconnecting, and leaving the program.
+#include <gtest/gtest.h>
+
+#include <QMdiSubWindow>
+
+#include "app_harness.h"
+
+namespace talvex::testing {
+namespace {
+
+using app::SearchMode;
+using editor::Answer;
+
+std::string Ids(int count) {
+  std::string port = "sim:0";
+  for (int id = 1; id < count; ++id)
+    port += "," + std::to_string(id);
+  return port;
+}
+
+class MainWindowTest : public ::testing::Test {
+ protected:
+  void Open(AppHarness& app, int deviceId) {
+    app.Session().Connect(deviceId);
+    app.Settle();
+  }
+};
+
+TEST_F(MainWindowTest, shouldOpenOneEditorPerDeviceWithItsCaption) {
+  AppHarness app("sim:0,1,2", [](sim::SimLine& line) { line.Device(1).LiveImage()[298] = 1; });
+  app.Start(Choice(SearchMode::AllIds));
+  Open(app, 1);
+  Open(app, 2);
+  ASSERT_NE(app.window->Editor(0), nullptr);
+  EXPECT_EQ(app.window->Editor(0)->windowTitle(), "ID:1 - Type: 2x3 WAY XOVER");
+  EXPECT_EQ(app.window->Editor(1)->windowTitle(), "ID:2 - Type: 2x2 WAY XOVER + SUB");
+  EXPECT_EQ(app.window->Slots().OpenWindowCount(), 1);
+  Open(app, 1);
+  ASSERT_EQ(app.dialogs.shown.size(), 1u);
+  EXPECT_EQ(app.dialogs.shown[0].title, "Speakers Edit");
+  EXPECT_EQ(app.dialogs.shown[0].text, "The window is already open");
+  EXPECT_EQ(app.window->Slots().OpenWindowCount(), 1);
+}
+
+TEST_F(MainWindowTest, shouldRefuseATwelfthEditor) {
+  AppHarness app(Ids(12));
+  app.Start(Choice(SearchMode::AllIds));
+  for (int id = 0; id < 12; ++id)
+    Open(app, id);
+  EXPECT_EQ(app.window->Slots().OpenWindowCount(), 10);
+  ASSERT_EQ(app.dialogs.shown.size(), 1u);
+  EXPECT_EQ(app.dialogs.shown[0].title, "Out of memory");
+  EXPECT_EQ(app.dialogs.shown[0].text, "Out of memory: max number of window open is 32");
+  EXPECT_EQ(app.window->Area()->subWindowList().size(), 12);  // the list and 11 editors
+}
+
+TEST_F(MainWindowTest, shouldAskBeforeClosingAnEditorAndFreeItsSlot) {
+  AppHarness app("sim:0,1");
+  app.Start(Choice(SearchMode::AllIds));
+  Open(app, 1);
+  app.dialogs.WillAnswer({Answer::No, Answer::Yes});
+  auto* sub = qobject_cast<QMdiSubWindow*>(app.window->Editor(0)->parentWidget());
+  sub->close();
+  EXPECT_EQ(app.window->Slots().OpenWindowCount(), 0);
+  sub->close();
+  EXPECT_EQ(app.window->Slots().OpenWindowCount(), -1);
+  ASSERT_EQ(app.dialogs.shown.size(), 2u);
+  EXPECT_EQ(app.dialogs.shown[0].title, "ID:1 - Close window");
+  EXPECT_EQ(app.dialogs.shown[0].text, "               Are you sure ? ");
+}
+
+TEST_F(MainWindowTest, shouldReportAFailedDeviceOnceAndCloseItsEditor) {
+  AppHarness app("sim:0,1");
+  app.Start(Choice(SearchMode::AllIds));
+  Open(app, 1);
+  app.simulator->Faults(1).silentFrames = 1000;
+  for (int i = 0; i < 3; ++i) {  // three edits queued: the first fails, the others are dropped
+    app.Session().Submit(
+        1, "mute" + std::to_string(i),
+        [](link::Link& link) {
+          protocol::Command mute;
+          mute.code = protocol::code::kMute;
+          return link.SendCommand(1, mute);
+        },
+        [](link::SendResult) {});
+  }
+  app.Settle();
+  ASSERT_EQ(app.dialogs.shown.size(), 1u);
+  EXPECT_EQ(app.dialogs.shown[0].title, "Communication problem");
+  EXPECT_EQ(app.dialogs.shown[0].text,
+            " The system will be close the communication with this device");
+  EXPECT_EQ(app.window->Slots().OpenWindowCount(), -1);
+  EXPECT_EQ(app.window->DeviceList()->RowTexts()[1], " Disconnected      ID:1");
+  EXPECT_TRUE(app.Session().Device(1).disconnected);
+  // The other device is unaffected.
+  link::SendResult other = link::SendResult::Skipped;
+  app.Session().Submit(
+      0, {},
+      [](link::Link& link) {
+        protocol::Command mute;
+        mute.code = protocol::code::kMute;
+        return link.SendCommand(0, mute);
+      },
+      [&](link::SendResult result) { other = result; });
+  app.Settle();
+  EXPECT_EQ(other, link::SendResult::Replied);
+  EXPECT_EQ(app.dialogs.shown.size(), 1u);
+}
+
+TEST_F(MainWindowTest, shouldUnconnectWithCommand15AndMarkTheRow) {
+  AppHarness app("sim:0,1");
+  app.Start(Choice(SearchMode::AllIds));
+  Open(app, 1);
+  app.window->Unconnect(1);
+  app.Settle();
+  ASSERT_EQ(app.dialogs.shown.size(), 1u);  // no close question for a disconnected device
+  EXPECT_EQ(app.dialogs.shown[0].title, "Unconnect device");
+  EXPECT_EQ(app.dialogs.shown[0].text, "Do you want unconnect this device, are you sure ? ");
+  EXPECT_EQ(app.Frames(1, 15), 1);
+  EXPECT_EQ(app.window->DeviceList()->RowTexts()[1], " disconnected      ID:1");
+  EXPECT_EQ(app.window->Slots().OpenWindowCount(), -1);
+
+  app.simulator->Faults(1).silentFrames = 1000;  // reconnecting asks, then finds it gone
+  Open(app, 1);
+  ASSERT_EQ(app.dialogs.shown.size(), 3u);
+  EXPECT_EQ(app.dialogs.shown[1].title, "Connect device");
+  EXPECT_EQ(app.dialogs.shown[1].text, "Do you want connect this device, are you sure ? ");
+  EXPECT_EQ(app.dialogs.shown[2].title, "Communication problem");
+  EXPECT_EQ(app.dialogs.shown[2].text, "Device disconnected");
+}
+
+TEST_F(MainWindowTest, shouldSendCommand143OnlyWhenLeavingIsConfirmed) {
+  AppHarness app("sim:0,1");
+  app.Start(Choice(SearchMode::AllIds));
+  app.window->show();
+  app.dialogs.WillAnswer({Answer::No});
+  app.window->close();
+  app.Settle();
+  EXPECT_TRUE(app.window->isVisible());
+  EXPECT_EQ(app.Frames(0, 143), 0);
+  EXPECT_EQ(app.quits->size(), 0);
+  ASSERT_EQ(app.dialogs.shown.size(), 1u);
+  EXPECT_EQ(app.dialogs.shown[0].title, "Exit");
+  EXPECT_EQ(app.dialogs.shown[0].text, "               Are you sure ? ");
+  EXPECT_EQ(app.dialogs.shown[0].defaultAnswer, Answer::No);
+
+  app.window->close();  // Yes this time
+  app.Settle();
+  EXPECT_EQ(app.Frames(0, 143), 1);
+  EXPECT_EQ(app.Frames(1, 143), 0);
+  ASSERT_EQ(app.quits->size(), 1);
+  EXPECT_EQ(app.quits->front().front().toInt(), 0);
+}
+
+}  // namespace
+}  // namespace talvex::testing

@@ -1,0 +1,60 @@
+// Answers the program's questions as a test scripts them, and records every text shown.
+#pragma once
+
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "editor/user_dialogs.h"
+
+namespace talvex::testing {
+
+struct Shown {
+  std::string kind;  // "question" or "message"
+  std::string title;
+  std::string text;
+  editor::DialogIcon icon;
+  editor::Answer defaultAnswer = editor::Answer::Yes;
+};
+
+class RecordingDialogs final : public editor::UserDialogs {
+ public:
+  // Answers for the next questions, in order; after them every question is answered Yes.
+  void WillAnswer(std::initializer_list<editor::Answer> answers) {
+    answers_.insert(answers_.end(), answers);
+  }
+
+  editor::Answer AskYesNo(const std::string& title, const std::string& text,
+                          editor::DialogIcon icon, editor::Answer defaultAnswer) override {
+    shown.push_back({"question", title, text, icon, defaultAnswer});
+    if (answers_.empty()) return editor::Answer::Yes;
+    const editor::Answer answer = answers_.front();
+    answers_.pop_front();
+    return answer;
+  }
+  void ShowMessage(const std::string& title, const std::string& text,
+                   editor::DialogIcon icon) override {
+    shown.push_back({"message", title, text, icon});
+  }
+  std::optional<std::string> ChooseOpenFile(const std::string&, const std::string&) override {
+    return file;
+  }
+  std::optional<std::string> ChooseSaveFile(const std::string&, const std::string&) override {
+    return file;
+  }
+
+  std::vector<std::string> Texts() const {
+    std::vector<std::string> texts;
+    for (const Shown& s : shown)
+      texts.push_back(s.text);
+    return texts;
+  }
+
+  std::vector<Shown> shown;
+  std::optional<std::string> file;
+
+ private:
+  std::deque<editor::Answer> answers_;
+};
+
+}  // namespace talvex::testing
