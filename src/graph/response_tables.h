@@ -27,7 +27,7 @@ class ResponseTables {
  public:
   // One EQ band over the whole grid (the shelf counter starts from 0), then its channel's delay
   // phase and sums. IndexError for a band outside 0..51 or a bad width or gain step;
-  // FloatingPointFault as described at the class.
+  // FloatingPointFault on a fault (see response_math.h).
   void ComputeEqBandResponse(const ResponseSettings& settings, int band);
   // One crossover filter by response slot (0..11; 2k low-pass, 2k+1 high-pass of output k),
   // read from frequency box BoxOfResponseSlot(slot), then its output's delay phase and sums.
