@@ -13,6 +13,7 @@ const std::vector<CommandSpec>& AllCommands() {
     AddLinkCommands(table);
     AddParamCommands(table);
     AddSessionCommands(table);
+    AddResponseCommands(table);
     return table;
   }();
   return commands;

@@ -25,21 +25,6 @@ ParamRef ParamArg(const std::string& name) {
   return *ref;
 }
 
-// The record of the target: a device's live image (bytes 0..303 read from it, the rest a
-// default record) or a preset file as a whole.
-params::ParamImage LoadRecord(CliContext& context) {
-  params::ParamImage record = params::DefaultRecord(0);
-  if (Offline(context)) {
-    const std::string error = presets::ReadPresetFile(*context.Options().file, record);
-    if (!error.empty()) throw CommandFailed(error);
-    return record;
-  }
-  if (presets::ReadLiveImage(context.Link(), context.Options().id, record) !=
-      presets::LiveRead::Received)
-    throw CommandFailed("the device's image could not be read", context.LinkFailedOnce());
-  return record;
-}
-
 bool Readable(const CliContext& context, const ParamRef& ref) {
   const params::Storage storage = params::StorageOf(ref);
   return storage == params::Storage::Preset ||
@@ -143,6 +128,19 @@ int New(CliContext& context) {
 }
 
 }  // namespace
+
+params::ParamImage LoadRecord(CliContext& context) {
+  params::ParamImage record = params::DefaultRecord(0);
+  if (Offline(context)) {
+    const std::string error = presets::ReadPresetFile(*context.Options().file, record);
+    if (!error.empty()) throw CommandFailed(error);
+    return record;
+  }
+  if (presets::ReadLiveImage(context.Link(), context.Options().id, record) !=
+      presets::LiveRead::Received)
+    throw CommandFailed("the device's image could not be read", context.LinkFailedOnce());
+  return record;
+}
 
 void AddParamCommands(std::vector<CommandSpec>& commands) {
   commands.push_back({"get", "[PARAM]", "print PARAM, or every parameter the image holds", Get});

@@ -1,0 +1,95 @@
+// The response maths as an editor uses it: one band edited while its slider moves, one
+// crossover filter, and a whole editor (52 bands, 12 crossover filters, 8 channels) as when a
+// window opens or a preset is applied. Every element is non-flat, so no pass is skipped.
+#include <benchmark/benchmark.h>
+
+#include <memory>
+
+#include "graph/response_tables.h"
+
+namespace talvex::graph {
+namespace {
+
+// Each channel: a low shelf, bells of varied width and gain, a high shelf; each output a
+// high-pass and a low-pass of the heavier types; delays and an inverted polarity.
+ResponseSettings BusySettings() {
+  ResponseSettings settings;
+  for (int channel = 0; channel < kChannelCount; ++channel) {
+    const int first = FirstBandOfChannel(channel);
+    const int count = BandCountOfChannel(channel);
+    for (int k = 0; k < count; ++k) {
+      const int step = 10 + (7 * (first + k)) % 41;  // -10 .. +10 dB, never 0 dB
+      BandSettings& band = settings.bands[static_cast<std::size_t>(first + k)];
+      band.gainStep = step == 30 ? 34 : step;
+      band.gainDb = band.gainStep / 2.0 - 15.0;
+      band.frequencyHz = 40.0 * (1 << k);
+      band.widthIndex = k == 0 ? 2 : (k == count - 1 ? 0 : 4 + 9 * k);
+    }
+    settings.channels[static_cast<std::size_t>(channel)].delaySamples = 37 * channel;
+    settings.channels[static_cast<std::size_t>(channel)].polarityInverted = channel % 2 == 1;
+  }
+  for (int box = 0; box < kCrossoverFilterCount; ++box) {
+    settings.crossovers[static_cast<std::size_t>(box)] = {box % 2 == 0 ? 80.0 : 2500.0,
+                                                          box % 4 < 2 ? 8 : 6};
+  }
+  return settings;
+}
+
+void EditOneBand(benchmark::State& state, int band) {
+  const ResponseSettings settings = BusySettings();
+  const auto tables = std::make_unique<ResponseTables>();
+  tables->ComputeAll(settings);
+  for (auto _ : state) {
+    tables->ComputeEqBandResponse(settings, band);
+    benchmark::DoNotOptimize(tables->ChannelPhase(ChannelOfBand(band))[0]);
+  }
+}
+
+// Out 1: band 11 is a bell, band 10 a low shelf (the dearer model, unwrapped).
+void BM_OneBellBandWithChannelSums(benchmark::State& state) {
+  EditOneBand(state, 11);
+}
+void BM_OneShelfBandWithChannelSums(benchmark::State& state) {
+  EditOneBand(state, 10);
+}
+
+void BM_OneCrossoverFilterWithChannelSums(benchmark::State& state) {
+  const ResponseSettings settings = BusySettings();
+  const auto tables = std::make_unique<ResponseTables>();
+  tables->ComputeAll(settings);
+  for (auto _ : state) {
+    tables->ComputeCrossoverResponse(settings, 0);  // a 4th-order Bessel: two sections
+    benchmark::DoNotOptimize(tables->ChannelPhase(2)[0]);
+  }
+}
+
+void BM_WholeEditor(benchmark::State& state) {
+  const ResponseSettings settings = BusySettings();
+  const auto tables = std::make_unique<ResponseTables>();
+  for (auto _ : state) {
+    tables->ComputeAll(settings);
+    benchmark::DoNotOptimize(tables->ChannelPhase(7)[0]);
+  }
+  state.counters["tables_11_editors_MiB"] =
+      11.0 * static_cast<double>(sizeof(ResponseTables)) / (1024.0 * 1024.0);
+}
+
+// The same whole editor on a factory preset: flat bells, no crossover filter, the common case
+// of an editor opening on a fresh device.
+void BM_WholeEditorFactoryPreset(benchmark::State& state) {
+  const ResponseSettings settings;
+  const auto tables = std::make_unique<ResponseTables>();
+  for (auto _ : state) {
+    tables->ComputeAll(settings);
+    benchmark::DoNotOptimize(tables->ChannelPhase(7)[0]);
+  }
+}
+
+BENCHMARK(BM_OneBellBandWithChannelSums)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_OneShelfBandWithChannelSums)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_OneCrossoverFilterWithChannelSums)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_WholeEditor)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_WholeEditorFactoryPreset)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+}  // namespace talvex::graph

@@ -1,0 +1,33 @@
+#include "graph/image_settings.h"
+
+#include "params/image_decode.h"
+
+namespace talvex::graph {
+
+// The byte encodings are the parameter model's (params/image_decode.h); this only gathers what
+// the response maths reads. Inputs have no polarity byte in the image: never inverted here.
+ResponseSettings SettingsFromImage(const params::ParamImage& image) {
+  const params::ImageBytes bytes(image);
+  ResponseSettings settings;
+  for (int band = 0; band < kBandCount; ++band) {
+    BandSettings& b = settings.bands[static_cast<std::size_t>(band)];
+    b.frequencyHz = params::BandFrequency(bytes, band);
+    b.widthIndex = params::BandWidthIndex(bytes, band);
+    b.gainStep = params::BandGainStep(bytes, band);
+    b.gainDb = params::BandGainDb(bytes, band);
+  }
+  for (int box = 0; box < kCrossoverFilterCount; ++box) {
+    CrossoverSettings& filter = settings.crossovers[static_cast<std::size_t>(box)];
+    filter.frequencyHz = params::CrossoverFrequency(bytes, box);
+    filter.type = params::CrossoverType(bytes, box);
+  }
+  for (int channel = 0; channel < kChannelCount; ++channel) {
+    ChannelSettings& c = settings.channels[static_cast<std::size_t>(channel)];
+    c.delaySamples = params::DelaySamples(bytes, channel);
+    c.levelDb = params::LevelDb(bytes, channel);
+    c.polarityInverted = channel >= 2 && params::PolarityInverted(bytes, channel);
+  }
+  return settings;
+}
+
+}  // namespace talvex::graph

@@ -1,0 +1,120 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <map>
+#include <sstream>
+
+#include "cli/cli.h"
+#include "link/sim_transport.h"
+
+namespace talvex::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Row {
+  std::string magnitude;
+  std::string phase;
+};
+
+// talvexctl on a simulated line that outlives each run, and a preset file of its own.
+class ResponseCommandTest : public ::testing::Test {
+ protected:
+  ResponseCommandTest() {
+    hooks_.makeLine = [this](const link::PortSpec&) {
+      link::Line line;
+      line.clock = std::make_unique<link::VirtualClock>();
+      line.simulator = simulator_;
+      line.transport = std::make_unique<link::SimTransport>(simulator_, *line.clock, "sim");
+      return line;
+    };
+    fs::create_directories(dir_);
+    fs::remove(file_);
+  }
+  ~ResponseCommandTest() override { fs::remove_all(dir_); }
+
+  int Run(std::vector<std::string> args) {
+    out_.str("");
+    err_.str("");
+    return RunCli(args, out_, err_, hooks_);
+  }
+
+  // The CSV rows by frequency; checks the header and one row per grid point.
+  std::map<int, Row> Rows() {
+    std::istringstream csv(out_.str());
+    std::string line;
+    std::getline(csv, line);
+    EXPECT_EQ(line, "hz,magnitude_db,phase_deg");
+    std::map<int, Row> rows;
+    while (std::getline(csv, line)) {
+      const auto first = line.find(',');
+      const auto second = line.find(',', first + 1);
+      rows[std::stoi(line.substr(0, first))] = {line.substr(first + 1, second - first - 1),
+                                                line.substr(second + 1)};
+    }
+    EXPECT_EQ(rows.size(), 1705u);
+    return rows;
+  }
+
+  std::shared_ptr<sim::SimLine> simulator_ = std::make_shared<sim::SimLine>(std::vector<int>{0});
+  CliHooks hooks_;
+  std::ostringstream out_;
+  std::ostringstream err_;
+  fs::path dir_ = fs::temp_directory_path() / ("talvex_response_" + std::to_string(::getpid()));
+  std::string file_ = (dir_ / "f.tvx").string();
+};
+
+TEST_F(ResponseCommandTest, shouldPrintAButterworthLowPassOfAPresetFile) {
+  ASSERT_EQ(Run({"--file", file_, "new"}), kExitOk);
+  ASSERT_EQ(Run({"--file", file_, "set", "out1.lp.freq", "500"}), kExitOk);
+  ASSERT_EQ(Run({"--file", file_, "set", "out1.lp.type", "6"}), kExitOk);  // -24dB/oct Bw
+  ASSERT_EQ(Run({"--file", file_, "response", "--channel", "out1", "--part", "lp"}), kExitOk);
+  std::map<int, Row> rows = Rows();
+  EXPECT_EQ(rows[10].magnitude, "0.00");
+  EXPECT_EQ(rows[500].magnitude, "-3.01");
+  EXPECT_EQ(rows[500].phase, "-180.00");
+  EXPECT_EQ(rows[250].magnitude, "-0.02");
+  EXPECT_EQ(rows[799].phase, "-259.54");  // unwrapped
+  EXPECT_EQ(rows.count(800), 0u);
+  // The channel: the filter plus a flat EQ, its phase folded; the high-pass alone is flat.
+  ASSERT_EQ(Run({"--file", file_, "response", "--channel", "out1"}), kExitOk);
+  rows = Rows();
+  EXPECT_EQ(rows[500].magnitude, "-3.01");
+  EXPECT_EQ(rows[799].phase, "100.46");
+  ASSERT_EQ(Run({"--file", file_, "response", "--channel", "out1", "--part", "hp"}), kExitOk);
+  EXPECT_EQ(Rows()[20000].magnitude, "0.00");
+}
+
+TEST_F(ResponseCommandTest, shouldPrintTheBandsAndTheDelayOfALiveDevice) {
+  ASSERT_EQ(Run({"set", "inB.eq2.freq", "500"}), kExitOk);
+  ASSERT_EQ(Run({"set", "inB.eq2.gain", "6"}), kExitOk);
+  ASSERT_EQ(Run({"response", "--channel", "inB", "--part", "eq2"}), kExitOk);
+  std::map<int, Row> rows = Rows();
+  EXPECT_EQ(rows[500].magnitude, "6.00");
+  EXPECT_EQ(rows[500].phase, "0.00");
+  ASSERT_EQ(Run({"response", "--channel", "inB", "--part", "delay"}), kExitOk);
+  EXPECT_EQ(Rows()[20000].phase, "0.00");
+}
+
+TEST_F(ResponseCommandTest, shouldRefuseChannelsAndPartsThatDoNotExist) {
+  const struct {
+    std::vector<std::string> args;
+    std::string message;
+  } cases[] = {
+      {{"response"}, "response needs --channel CH"},
+      {{"response", "--channel", "out7"}, "--channel \"out7\" is not inA, inB or out1..out6"},
+      {{"response", "--channel", "inA", "--part", "hp"},
+       "--part \"hp\" is not a part of inA: eq1..eq5 or delay"},
+      {{"response", "--channel", "out2", "--part", "eq8"},
+       "--part \"eq8\" is not a part of out2: eq1..eq7, hp, lp or delay"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(Run(c.args), kExitUsage) << c.message;
+    EXPECT_NE(err_.str().find(c.message), std::string::npos) << err_.str();
+    EXPECT_EQ(out_.str(), "");
+  }
+}
+
+}  // namespace
+}  // namespace talvex::cli
