@@ -13,6 +13,7 @@ const std::vector<CommandSpec>& AllCommands() {
     AddLinkCommands(table);
     AddParamCommands(table);
     AddSessionCommands(table);
+    AddUtilityCommands(table);
     return table;
   }();
   return commands;

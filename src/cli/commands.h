@@ -20,6 +20,7 @@ struct CommandSpec {
 void AddLinkCommands(std::vector<CommandSpec>& commands);
 void AddParamCommands(std::vector<CommandSpec>& commands);
 void AddSessionCommands(std::vector<CommandSpec>& commands);
+void AddUtilityCommands(std::vector<CommandSpec>& commands);
 // What get and set do, and the parameter names, for the usage text.
 std::string ParamUsage();
 
