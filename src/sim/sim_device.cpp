@@ -103,9 +103,9 @@ std::vector<std::uint8_t> SimDevice::AnswerPoll(const protocol::Frame& request) 
 }
 
 // p1 = p2 = 255 reads the live image; p1 = slot 0..23 with p2 = 0 reads a stored preset, which
-// recalls it: a used slot (mark 85) becomes the preset the device runs, its name the current
-// preset's name, so the program that reads it has nothing to send. A locked device answers
-// with the bytes but keeps running what it ran.
+// recalls it: a used slot (mark 85) becomes the preset the device runs (in the system type it
+// names), its name the current preset's name, so the program that reads it has nothing to send. A
+// locked device answers with the bytes but keeps running what it ran.
 std::vector<std::uint8_t> SimDevice::ReadBlock(const protocol::Command& command) {
   if (command.p(1) == 255 && command.p(2) == 255) return {state_.live.begin(), state_.live.end()};
   if (command.p(1) >= params::kSlotCount || command.p(2) != 0) return {};
@@ -114,6 +114,9 @@ std::vector<std::uint8_t> SimDevice::ReadBlock(const protocol::Command& command)
   const bool used = memory_[mem::kUsedMarks + static_cast<std::size_t>(slot)] == mem::kUsedMark;
   if (used && !Locked()) {
     std::copy_n(first, mem::kSlotDataLength, state_.live.begin());
+    // A preset carries its system type (byte 298): the device runs it in that type.
+    if (state_.live[params::kSystemTypeByte] < params::kSystemTypeCount)
+      systemType_ = state_.live[params::kSystemTypeByte];
     const auto name = memory_.begin() + static_cast<long>(mem::SlotNameAddress(slot));
     std::copy_n(name, mem::kSlotNameLength, memory_.begin() + mem::kPresetName);
   }
