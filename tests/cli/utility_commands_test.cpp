@@ -70,7 +70,7 @@ TEST_F(UtilityCommandsTest, shouldStoreListAndRecallAPreset) {
             "ID:1 TALVEX - Last preset loaded: come from DEVICE - Show A           - Type: 2x2 WAY "
             "XOVER + SUB\n");
   EXPECT_EQ(Device().LiveImage()[params::ChannelBase[3]], 60);  // -6 dB stored, now run
-  EXPECT_EQ(Device().SystemType(), 0);  // the type the preset was stored in
+  EXPECT_EQ(Device().SystemType(), 0);                          // the type the preset was stored in
 }
 
 TEST_F(UtilityCommandsTest, shouldPrintTheRefusalAndSendNothing) {

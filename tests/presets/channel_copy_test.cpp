@@ -103,15 +103,5 @@ TEST_F(ChannelCopyTest, shouldMakeEverySettingOfOut6EqualToOut1s) {
   EXPECT_TRUE(std::equal(out6 + 1, out6 + 34, block(device.image, 6).begin()));
 }
 
-TEST_F(ChannelCopyTest, shouldSendNothingAfterTheCommandTheDeviceLeftUnanswered) {
-  const ChannelCopy copy = CopyOutput(device, 3, 4);
-  line.simulator->Faults(kId).vanishAfterFrames = 9;
-  const ListOutcome sent = SendCommandList(link, kId, CommandsOf(copy.edits));
-  EXPECT_EQ(sent.end, ListEnd::Stopped);
-  EXPECT_EQ(sent.acknowledged, 9);
-  EXPECT_EQ(observer.sent.size(), 9u + 5);
-  EXPECT_EQ(observer.failures.size(), 1u);
-}
-
 }  // namespace
 }  // namespace talvex::presets

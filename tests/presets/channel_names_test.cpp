@@ -63,14 +63,5 @@ TEST_F(ChannelNamesTest, shouldWriteSixBytesForAnOutputAndNoneForAnInput) {
             "Sub 12");
 }
 
-TEST_F(ChannelNamesTest, shouldChangeNothingForRefusedNames) {
-  ChannelNames names = NamesFromImage(device.image);
-  const ChannelNames namesBefore = names;
-  const params::ParamImage before = device.image;
-  EXPECT_THROW(ApplyChannelNames(device, names, Names({{6, ""}})), std::invalid_argument);
-  EXPECT_EQ(device.image, before);
-  EXPECT_EQ(names, namesBefore);
-}
-
 }  // namespace
 }  // namespace talvex::presets

@@ -99,15 +99,5 @@ TEST_F(DeviceMemoryTest, shouldRefuseAnEmptySlotAndRecallAUsedOne) {
             "WAY XOVER + SUB");
 }
 
-TEST_F(DeviceMemoryTest, shouldRefuseBadSlotsAndNamesWithNothingChanged) {
-  const params::ParamImage before = device.image;
-  EXPECT_THROW(PrepareStore(device, state, 24, "x"), IndexError);
-  EXPECT_THROW(PrepareStore(device, state, 0, "Seventeen chars!!"), std::invalid_argument);
-  params::PresetImage preset{};
-  EXPECT_THROW(ReadPresetSlot(link, kId, 24, preset), IndexError);
-  EXPECT_EQ(device.image, before);
-  EXPECT_TRUE(observer.sent.empty());
-}
-
 }  // namespace
 }  // namespace talvex::presets

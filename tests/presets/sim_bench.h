@@ -36,14 +36,6 @@ class SimBench : public ::testing::Test {
     return protocol::FormatHex(observer.sent.at(index));
   }
 
-  // The command codes of every frame sent, in order.
-  std::vector<int> SentCodes() const {
-    std::vector<int> codes;
-    for (const auto& frame : observer.sent)
-      codes.push_back(frame[3]);
-    return codes;
-  }
-
   testing::RecordingObserver observer;
   link::Line line;
   link::Link link;

@@ -8,13 +8,6 @@ namespace {
 
 using SystemTypeTest = SimBench;
 
-TEST_F(SystemTypeTest, shouldChangeNothingForTheTypeInForce) {
-  EXPECT_FALSE(TypeChangeNeeded(device, 0));
-  EXPECT_TRUE(TypeChangeNeeded(device, 2));
-  EXPECT_THROW(TypeChangeNeeded(device, 3), IndexError);
-  EXPECT_TRUE(observer.sent.empty());
-}
-
 TEST_F(SystemTypeTest, shouldSwitchTheDeviceAndShowTheFactoryImageWithoutSendingIt) {
   params::Senders(device).Level(4, 3);
   PresetState presetState{7, 1};

@@ -106,20 +106,6 @@ TEST(SimDeviceTest, shouldTakeAStoredSlotNameAsTheCurrentPresetName) {
   EXPECT_EQ(name(), "Showeset Empty  ");
 }
 
-TEST(SimDeviceTest, shouldRunAUsedSlotItIsAskedToRead) {
-  SimDevice device(0);
-  for (std::size_t i = 0; i < 304; ++i)
-    device.DeviceMemory()[768 + 304 * 4 + i] = 7;
-  std::copy_n("Fourth slot     ", 16, device.DeviceMemory().begin() + 384 + 16 * 4);
-  device.Handle(Request(0, 11, {4, 0}));  // mark not 85: read, not run
-  EXPECT_EQ(device.LiveImage(), params::DefaultImage[0]);
-  device.DeviceMemory()[32 + 4] = 85;
-  device.Handle(Request(0, 11, {4, 0}));
-  EXPECT_EQ(device.LiveImage()[100], 7);
-  EXPECT_EQ(std::string(device.DeviceMemory().begin() + 0x40, device.DeviceMemory().begin() + 0x50),
-            "Fourth slot     ");
-}
-
 TEST(SimDeviceTest, shouldAcknowledgeButKeepItsSettingsWhileLocked) {
   SimDevice device(1);
   device.DeviceMemory()[32 + 2] = 85;
