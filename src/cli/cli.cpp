@@ -14,6 +14,7 @@ const std::vector<CommandSpec>& AllCommands() {
     AddParamCommands(table);
     AddSessionCommands(table);
     AddResponseCommands(table);
+    AddUtilityCommands(table);
     return table;
   }();
   return commands;

@@ -22,6 +22,7 @@ void AddLinkCommands(std::vector<CommandSpec>& commands);
 void AddParamCommands(std::vector<CommandSpec>& commands);
 void AddSessionCommands(std::vector<CommandSpec>& commands);
 void AddResponseCommands(std::vector<CommandSpec>& commands);
+void AddUtilityCommands(std::vector<CommandSpec>& commands);
 // What get and set do, and the parameter names, for the usage text.
 std::string ParamUsage();
 

@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "cli/commands.h"
+#include "cli/connection.h"
 #include "link/device_name.h"
 #include "params/value_tables.h"
 #include "presets/device_state.h"
@@ -17,24 +18,6 @@ namespace {
 std::string_view TypeName(int systemType) {
   if (systemType < 0 || systemType >= params::kSystemTypeCount) return "unknown";
   return params::SystemTypeNames[static_cast<std::size_t>(systemType)];
-}
-
-// The device's record as far as a block read tells it: bytes 0..303 are the device's live
-// image, the rest a default record.
-params::DeviceParams ReadLive(CliContext& context) {
-  params::ParamImage record = params::DefaultRecord(0);
-  if (presets::ReadLiveImage(context.Link(), context.Options().id, record) !=
-      presets::LiveRead::Received)
-    throw CommandFailed("the device's image could not be read", context.LinkFailedOnce());
-  return params::DeviceParams::FromImage(record);
-}
-
-presets::DeviceState ReadState(CliContext& context, params::DeviceParams& device) {
-  presets::DeviceState state;
-  if (presets::ReadDeviceState(context.Link(), context.Options().id, device, state) !=
-      presets::StateRead::Received)
-    throw CommandFailed("the device's state could not be read", context.LinkFailedOnce());
-  return state;
 }
 
 std::string PresetName(const params::ParamImage& image) {

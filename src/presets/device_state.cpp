@@ -128,6 +128,7 @@ StateRead ReadDeviceState(link::Link& link, int deviceId, params::DeviceParams& 
   image[params::kLockByte] = read->lock;
   image[params::kOutputLinkByte] = read->outputLink;
 
+  read->state.password = state.password;  // not part of the state read: ReadDevicePassword
   state = std::move(read->state);
   state.inputSource = image[params::kInputSourceByte];
   state.deviceWide = image[params::kDeviceWideByte];

@@ -4,6 +4,8 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
+#include <optional>
 #include <string>
 
 #include "link/link.h"
@@ -22,6 +24,9 @@ struct DeviceState {
   double outputLink = 0;   // image 328: the output link switch of command 34
   std::array<double, params::kSlotCount> usedMarks{};       // 85 = the slot holds a preset
   std::array<std::string, params::kSlotCount> slotNames{};  // empty for an unused slot
+  // The lock password as the device keeps it (six table places, see system_lock.h); known once
+  // ReadDevicePassword has read it, forgotten when a new one was only partly written.
+  std::optional<std::array<std::uint8_t, 6>> password;
 
   bool SlotUsed(int slot) const;
   bool Locked() const { return lock != 0; }

@@ -10,7 +10,16 @@ namespace talvex::protocol::memory {
 inline constexpr std::size_t kSize = 8192;
 
 inline constexpr std::size_t kOption = 0x12;  // device-wide option switched by command 17
-inline constexpr std::size_t kLock = 0x16;    // lock state
+// Lock state: 1 = locked, 0 = unlocked (any other value reads as locked). While locked the
+// device keeps every setting as it is: see SimDevice for what it still accepts.
+inline constexpr std::size_t kLock = 0x16;
+inline constexpr std::uint8_t kLocked = 1;
+inline constexpr std::uint8_t kUnlocked = 0;
+// The six characters of the lock password, one byte each (their places in the password
+// table, see presets/system_lock.h), right after the single settings at 0x16 and 0x17. A
+// device that was never given a password holds six zeros: six blanks.
+inline constexpr std::size_t kPassword = 0x18;
+inline constexpr std::size_t kPasswordLength = 6;
 // The name of the preset the device is running: 16 characters. The device takes a preset it
 // stores as its current one, so it copies every slot-name byte written to this place too.
 inline constexpr std::size_t kPresetName = 0x40;

@@ -36,6 +36,7 @@ std::vector<std::uint8_t> SimDevice::Handle(const protocol::Frame& request) {
   const protocol::Command command = protocol::CommandOf(request);
   ++framesByCode_[command.code];
   ++totalFrames_;
+  if (Refuses(command)) return Acknowledge(request);
   switch (command.code) {
     case code::kPoll:
       return AnswerPoll(request);
@@ -49,6 +50,8 @@ std::vector<std::uint8_t> SimDevice::Handle(const protocol::Frame& request) {
       WriteMemory(AddressOf(command), command.p(5));
       return Acknowledge(request);
     case code::kStoreData:
+      // Four bytes p3..p6 from the address in p1 (high), p2 (low) on; p7, p8 carry the
+      // same address again and are not needed to store.
       for (std::size_t i = 0; i < 4; ++i)
         WriteMemory(AddressOf(command) + i, command.p(3 + static_cast<int>(i)));
       return Acknowledge(request);
@@ -64,6 +67,29 @@ std::vector<std::uint8_t> SimDevice::Handle(const protocol::Frame& request) {
   }
 }
 
+// A locked device keeps its settings: it acknowledges every frame, as always (a frame left
+// unanswered would make the program close the device), but changes nothing for a parameter
+// command, a name, a stored preset, a system type or a memory write, except the two a locked
+// device must take: the lock byte itself (to be unlocked) and the password bytes (the
+// password dialog sets a new password in either state). Reads, polls and recalls of a stored
+// preset's bytes are answered; a recall does not make a locked device run the preset.
+bool SimDevice::Refuses(const protocol::Command& command) const {
+  if (!Locked()) return false;
+  switch (command.code) {
+    case code::kMemoryWrite: {
+      const std::size_t address = AddressOf(command);
+      const bool password =
+          address >= mem::kPassword && address < mem::kPassword + mem::kPasswordLength;
+      return address != mem::kLock && !password;
+    }
+    case code::kStoreData:
+    case code::kSetSystemType:
+      return true;
+    default:
+      return IsParameterCode(command.code);
+  }
+}
+
 // Every frame the device accepts is acknowledged by sending it back unchanged.
 std::vector<std::uint8_t> SimDevice::Acknowledge(const protocol::Frame& request) const {
   return {request.begin(), request.end()};
@@ -76,14 +102,25 @@ std::vector<std::uint8_t> SimDevice::AnswerPoll(const protocol::Frame& request) 
   return {reply.begin(), reply.end()};
 }
 
-// p1 = p2 = 255 reads the live image; p1 = slot 0..23 with p2 = 0 reads a stored preset.
-std::vector<std::uint8_t> SimDevice::ReadBlock(const protocol::Command& command) const {
+// p1 = p2 = 255 reads the live image; p1 = slot 0..23 with p2 = 0 reads a stored preset, which
+// recalls it: a used slot (mark 85) becomes the preset the device runs (in the system type it
+// names), its name the current preset's name, so the program that reads it has nothing to send. A
+// locked device answers with the bytes but keeps running what it ran.
+std::vector<std::uint8_t> SimDevice::ReadBlock(const protocol::Command& command) {
   if (command.p(1) == 255 && command.p(2) == 255) return {state_.live.begin(), state_.live.end()};
-  if (command.p(1) < params::kSlotCount && command.p(2) == 0) {
-    const auto first = memory_.begin() + static_cast<long>(mem::SlotDataAddress(command.p(1)));
-    return {first, first + static_cast<long>(mem::kSlotDataLength)};
+  if (command.p(1) >= params::kSlotCount || command.p(2) != 0) return {};
+  const int slot = command.p(1);
+  const auto first = memory_.begin() + static_cast<long>(mem::SlotDataAddress(slot));
+  const bool used = memory_[mem::kUsedMarks + static_cast<std::size_t>(slot)] == mem::kUsedMark;
+  if (used && !Locked()) {
+    std::copy_n(first, mem::kSlotDataLength, state_.live.begin());
+    // A preset carries its system type (byte 298): the device runs it in that type.
+    if (state_.live[params::kSystemTypeByte] < params::kSystemTypeCount)
+      systemType_ = state_.live[params::kSystemTypeByte];
+    const auto name = memory_.begin() + static_cast<long>(mem::SlotNameAddress(slot));
+    std::copy_n(name, mem::kSlotNameLength, memory_.begin() + mem::kPresetName);
   }
-  return {};
+  return {first, first + static_cast<long>(mem::kSlotDataLength)};
 }
 
 // A memory read answers with the addressed byte in p5, the very place where a write

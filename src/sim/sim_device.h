@@ -30,6 +30,8 @@ class SimDevice {
   const DeviceState& State() const { return state_; }
   Memory& DeviceMemory() { return memory_; }
   const Memory& DeviceMemory() const { return memory_; }
+  // Locked while the lock byte (memory 0x16) is not 0.
+  bool Locked() const { return memory_[protocol::memory::kLock] != protocol::memory::kUnlocked; }
 
   // Acts on a frame addressed to this device and returns its reply: a 13-byte frame, a
   // 304-byte block, or nothing for the codes that are never acknowledged.
@@ -42,7 +44,8 @@ class SimDevice {
  private:
   std::vector<std::uint8_t> Acknowledge(const protocol::Frame& request) const;
   std::vector<std::uint8_t> AnswerPoll(const protocol::Frame& request) const;
-  std::vector<std::uint8_t> ReadBlock(const protocol::Command& command) const;
+  std::vector<std::uint8_t> ReadBlock(const protocol::Command& command);
+  bool Refuses(const protocol::Command& command) const;
   std::vector<std::uint8_t> ReadMemory(const protocol::Frame& request) const;
   std::vector<std::uint8_t> ReportState(const protocol::Frame& request) const;
   void WriteMemory(std::size_t address, std::uint8_t value);

@@ -170,5 +170,35 @@ TEST(RealLineTest, shouldPushAPresetThroughAPseudoTerminalAndPullTheSameBytesBac
       << refused.err;
 }
 
+TEST(RealLineTest, shouldStoreAndRecallAPresetAndRefuseThroughAPseudoTerminal) {
+  PtyPair pty;
+  ASSERT_TRUE(pty.Ready());
+  ChildProcess sim(TALVEX_SIM_PATH,
+                   {"--ids", "2", "--device", QString::fromStdString(pty.First())});
+  ASSERT_FALSE(sim.ReadLine(QProcess::StandardOutput).empty());
+  const QStringList device = {"--port", QString::fromStdString(pty.Second()), "--id", "2"};
+  const auto run = [&](QStringList args) { return RunToEnd(TALVEXCTL_PATH, device + args); };
+
+  ASSERT_EQ(run({"set", "out4.level", "-3"}).status, 0);
+  const Finished store = run({"store", "11", "Live room"});
+  ASSERT_EQ(store.status, 0) << store.err;
+  EXPECT_EQ(store.out, "11  used  Live room\n");
+  ASSERT_EQ(run({"set", "out4.level", "2"}).status, 0);
+  const Finished recall = run({"recall", "11"});
+  ASSERT_EQ(recall.status, 0) << recall.err;
+  EXPECT_EQ(recall.out,
+            "ID:2 TALVEX - Last preset loaded: come from DEVICE - Live room        - Type: 2x2 "
+            "WAY XOVER + SUB\n");
+  const Finished level = run({"get", "out4.level"});
+  EXPECT_EQ(level.out, "out4.level = -3\n");
+
+  const Finished empty = run({"recall", "12"});
+  EXPECT_EQ(empty.status, 1);
+  EXPECT_EQ(empty.err, "Read Preset: Preset empty\n");
+  const Finished same = run({"--trace", "copy", "out2", "out2"});
+  EXPECT_EQ(same.status, 1);
+  EXPECT_EQ(same.err, "Copy Output: Copy not possible, Source=Destination\n");  // no frame traced
+}
+
 }  // namespace
 }  // namespace talvex::testing

@@ -22,12 +22,12 @@ class DeviceStateTest : public ::testing::Test {
     Put(384 + 16 * 4, "Ghost           ");
     Put(384 + 16 * 7, "Talk            ");
     Put(384 + 16 * 2, "Chorus live     ");  // stored last: the device's current preset
-    Put(0x16, "\x01");                      // locked
     Put(0x12, "\x01");                      // delays shown in metres
     simulated.Handle(
         protocol::BuildFrame(5, {protocol::code::kInputSource, {0, 0, 0, 0, 0, 0, 0, 1}}));
     simulated.Handle(protocol::BuildFrame(5, {protocol::code::kDelay, {2, 0, 0, 0, 7, 0, 0, 0}}));
     simulated.Handle(protocol::BuildFrame(5, {protocol::code::kSwitch, {1}}));
+    Put(0x16, "\x01");  // locked last: a locked device takes no setting
   }
 
   void Put(int address, std::string_view bytes) {

@@ -106,5 +106,37 @@ TEST(SimDeviceTest, shouldTakeAStoredSlotNameAsTheCurrentPresetName) {
   EXPECT_EQ(name(), "Showeset Empty  ");
 }
 
+TEST(SimDeviceTest, shouldAcknowledgeButKeepItsSettingsWhileLocked) {
+  SimDevice device(1);
+  device.DeviceMemory()[32 + 2] = 85;
+  device.Handle(Request(1, 17, {0, 0x16, 0, 0, 1}));
+  ASSERT_TRUE(device.Locked());
+  const Memory memoryBefore = device.DeviceMemory();
+  const std::vector<protocol::Frame> refused = {
+      Request(1, 1, {2, 0, 0, 0, 0, 0, 0, 100}),             // level
+      Request(1, 14, {2, 0, 'A', 'B', 'C', 'D', 'E', 'F'}),  // name
+      Request(1, 29, {0xFF}),                                // equaliser bypass bits
+      Request(1, 24, {0x03, 0x00, 1, 2, 3, 4, 0x03, 0x00}),  // stored preset data
+      Request(1, 17, {0x01, 0x70, 0, 0, 'X'}),               // device name
+      Request(1, 21, {2}),                                   // system type
+      Request(1, 11, {2, 0}),                                // recall of a used slot
+  };
+  for (const protocol::Frame& request : refused) {
+    const auto reply = device.Handle(request);
+    const bool acknowledged =
+        request[3] == 11 ? reply.size() == 304
+                         : std::equal(reply.begin(), reply.end(), request.begin(), request.end());
+    EXPECT_TRUE(acknowledged) << protocol::FormatHex(request);
+  }
+  EXPECT_EQ(device.LiveImage(), params::DefaultImage[0]);
+  EXPECT_EQ(device.DeviceMemory(), memoryBefore);
+  EXPECT_EQ(device.SystemType(), 0);
+  // The password and the lock byte itself are taken.
+  device.Handle(Request(1, 17, {0, 0x1D, 0, 0, 9}));
+  EXPECT_EQ(device.DeviceMemory()[0x1D], 9);
+  device.Handle(Request(1, 17, {0, 0x16, 0, 0, 0}));
+  EXPECT_FALSE(device.Locked());
+}
+
 }  // namespace
 }  // namespace talvex::sim
