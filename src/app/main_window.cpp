@@ -3,6 +3,7 @@
 #include <QCloseEvent>
 #include <QMdiSubWindow>
 #include <QMenuBar>
+#include <QScreen>
 #include <QStatusBar>
 #include <QStyle>
 
@@ -14,16 +15,17 @@ MainWindow::MainWindow(std::unique_ptr<Session> session, UserDialogs& dialogs, Q
   setCentralWidget(area_);
   area_->setBackground(QColor(0x5b, 0x63, 0x70));
   BuildMenus();
-  resize(1000, 680);
+  resize(QSize(1000, 680).boundedTo(screen()->availableGeometry().size()));
   connect(session_.get(), &Session::startupFinished, this, &MainWindow::FinishStartup);
   connect(session_.get(), &Session::connected, this, &MainWindow::OpenEditor);
   connect(session_.get(), &Session::deviceLost, this, &MainWindow::CloseEditorOf);
   connect(session_.get(), &Session::fatalTimeOut, this, [this] { emit quitRequested(1); });
 }
 
+// The program is ending: its editors close without their question, before the session goes.
 MainWindow::~MainWindow() {
-  // Editors first: they belong to the session's devices.
-  area_->closeAllSubWindows();
+  for (editor::CtrlWindow* editor : editors_)
+    if (editor) editor->CloseWithoutAsking();
 }
 
 void MainWindow::BuildMenus() {

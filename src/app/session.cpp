@@ -5,6 +5,7 @@
 #include "link/device_name.h"
 #include "link/search.h"
 #include "presets/live_image.h"
+#include "presets/system_lock.h"
 
 namespace talvex::app {
 
@@ -205,7 +206,10 @@ Session::ConnectResult Session::ConnectOnWorker(link::Link& link, int deviceId,
   // The editor opens on what the device holds: its live image, then its state.
   if (presets::ReadLiveImage(link, deviceId, record) != presets::LiveRead::Received) return result;
   params::DeviceParams device = params::DeviceParams::FromImage(record);
-  if (presets::ReadDeviceState(link, deviceId, device, result.state) == presets::StateRead::Received)
+  if (presets::ReadDeviceState(link, deviceId, device, result.state) != presets::StateRead::Received)
+    return result;
+  // The lock dialog compares a typed password with the one the device keeps.
+  if (presets::ReadDevicePassword(link, deviceId, result.state) == presets::StateRead::Received)
     result.params = device;
   return result;
 }

@@ -1,7 +1,8 @@
 #include "editor/ctrl_window.h"
 
 #include <QCloseEvent>
-#include <QToolBar>
+#include <QHBoxLayout>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 #include "params/image_decode.h"
@@ -27,10 +28,13 @@ CtrlWindow::CtrlWindow(int deviceId, int slot, std::function<bool()> mayClose, Q
       mayClose_(std::move(mayClose)),
       summary_(new QFormLayout) {
   setAttribute(Qt::WA_DeleteOnClose);
-  auto* toolbar = new QToolBar;
-  toolbar->addAction(kDisconnectAction, this, [this] { emit disconnectRequested(deviceId_); });
+  auto* disconnect = new QPushButton(kDisconnectAction);
+  connect(disconnect, &QPushButton::clicked, this, [this] { emit disconnectRequested(deviceId_); });
+  auto* buttons = new QHBoxLayout;
+  buttons->addWidget(disconnect);
+  buttons->addStretch(1);
   auto* layout = new QVBoxLayout(this);
-  layout->addWidget(toolbar);
+  layout->addLayout(buttons);
   layout->addLayout(summary_);
   layout->addStretch(1);
 }

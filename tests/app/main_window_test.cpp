@@ -156,8 +156,12 @@ TEST_F(MainWindowTest, shouldSendCommand143OnlyWhenLeavingIsConfirmed) {
   EXPECT_EQ(app.dialogs.shown[0].text, "               Are you sure ? ");
   EXPECT_EQ(app.dialogs.shown[0].defaultAnswer, Answer::No);
 
+  app.Session().Connect(1);  // an open editor must not ask again as the program ends
+  app.Settle();
   app.window->close();  // Yes this time
   app.Settle();
+  app.window.reset();
+  EXPECT_EQ(app.dialogs.shown.size(), 2u);
   EXPECT_EQ(app.Frames(0, 143), 1);
   EXPECT_EQ(app.Frames(1, 143), 0);
   ASSERT_EQ(app.quits->size(), 1);
