@@ -6,6 +6,7 @@
 
 #include "graph/arc_tangent.h"
 #include "graph/frequency_grid.h"
+#include "graph/natural_log.h"
 #include "params/value_tables.h"
 #include "protocol/frame.h"
 
@@ -314,9 +315,14 @@ TALVEX_GRID_LOOPS void FillPlan(const ModelPlan& plan, Curve& magnitude, Curve& 
   if (plan.form == MagnitudeForm::kBell) {
     for (std::size_t i = 0; i < grid.size(); ++i)
       magnitude.Points()[i] = ToFloat(values[i]);
-  } else {
+  } else if (plan.form == MagnitudeForm::kZero) {
+    magnitude.Points().fill(0.0f);
+  } else {  // MagnitudeDb's arithmetic, with the logarithms taken for the whole grid at once
+    std::array<double, kGridPointCount> logs;
+    LogOfEach(values.data(), logs.data(), kGridPointCount);
+    const double ln10 = std::log(10.0);
     for (std::size_t i = 0; i < grid.size(); ++i)
-      magnitude.Points()[i] = MagnitudeDb(plan, values[i]);
+      magnitude.Points()[i] = ToFloat(plan.magnitudeScale * (logs[i] / ln10));
   }
   for (int t = 0; t < plan.termCount; ++t) {
     const PhaseTerm& term = plan.terms[t];
