@@ -55,9 +55,9 @@ int main(int argc, char* argv[]) {
   app.setApplicationName("TALVEX");
   app.setQuitOnLastWindowClosed(false);
   const Options options = ParseOptions(app);
-  // The decimal mark is decided once, at the splash, and read for the rest of the run.
+  // The decimal mark is decided once, at start-up, and read for the rest of the run (the editor
+  // writes and reads values with it).
   const int commaDecimal = config::DetectCommaDecimal();
-  (void)commaDecimal;
 
   editor::QtUserDialogs dialogs;
   app::SelectWindow select(app::AvailablePorts(options.port), options.configFolder, dialogs,
@@ -68,7 +68,7 @@ int main(int argc, char* argv[]) {
   QObject::connect(&select, &QDialog::accepted, &app, [&] {
     const app::StartupChoice choice = select.Choice();
     auto session = std::make_unique<app::Session>(link::MakeLine(link::ParsePortSpec(choice.port)),
-                                                  dialogs, options.configFolder);
+                                                  dialogs, options.configFolder, commaDecimal);
     main = std::make_unique<app::MainWindow>(std::move(session), dialogs);
     dialogs.SetParent(main.get());
     QObject::connect(main.get(), &app::MainWindow::quitRequested, &app,

@@ -23,12 +23,13 @@ constexpr link::Clock::Duration kRefreshPause = 50ms;
 }  // namespace
 
 Session::Session(link::Line line, UserDialogs& dialogs, std::filesystem::path configFolder,
-                 QObject* parent)
+                 int commaDecimal, QObject* parent)
     : QObject(parent),
       line_(std::move(line)),
       link_(*line_.transport, *line_.clock),
       dialogs_(dialogs),
-      configFolder_(std::move(configFolder)) {
+      configFolder_(std::move(configFolder)),
+      commaDecimal_(commaDecimal) {
   link::LinkObserver* observer = this;
   worker_ = std::make_unique<link::LinkWorker>(link_, observer);
 }

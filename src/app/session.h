@@ -68,14 +68,16 @@ class Session : public QObject, private link::LinkObserver {
   Q_OBJECT
 
  public:
+  // `commaDecimal` is the locale's decimal mark, decided once at the splash (1 = comma).
   Session(link::Line line, UserDialogs& dialogs, std::filesystem::path configFolder,
-          QObject* parent = nullptr);
+          int commaDecimal = 0, QObject* parent = nullptr);
   ~Session() override;
 
   // Opens the port and finds the devices, or offers demo mode. Ends with startupFinished().
   void Start(const StartupChoice& choice);
 
   bool DemoMode() const { return demoMode_; }
+  int CommaDecimal() const { return commaDecimal_; }
   bool Closing() const { return closing_; }
   const std::vector<int>& ListedIds() const { return listedIds_; }
   const DeviceEntry& Device(int deviceId) const;
@@ -151,6 +153,7 @@ class Session : public QObject, private link::LinkObserver {
   std::array<DeviceEntry, kDeviceCount> devices_{};
   std::vector<int> listedIds_;
   std::array<const char*, kDeviceCount> rowState_{};  // replaces the name in the row when set
+  int commaDecimal_ = 0;
   bool demoMode_ = false;
   bool closing_ = false;
   std::atomic<int> outstanding_{0};  // released on the worker thread when a job is dropped
