@@ -16,6 +16,7 @@
 #include <cstring>
 #include <deque>
 #include <iostream>
+#include <map>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -90,60 +91,85 @@ std::vector<int> IdsArg(const std::string& text) {
   return ids;
 }
 
+// Options that take no value, and options that take one (parsed and stored by their setter).
+using Flag = void (*)(Options&);
+using Setter = void (*)(Options&, const std::string& option, const std::string& value);
+
+const std::map<std::string, Flag> kFlags = {
+    {"--pty", [](Options& o) { o.mode = Options::Mode::Pty; }},
+    {"--paced", [](Options& o) { o.paced = true; }},
+    {"--second-poll", [](Options& o) { o.faults.answerSecondPollOnly = true; }},
+    {"--wrong-poll", [](Options& o) { o.faults.wrongPollByte = true; }},
+};
+
+int Int(const std::string& option, const std::string& text, long long max) {
+  return static_cast<int>(NumberArg(option, text, 0, max));
+}
+
+std::chrono::milliseconds Ms(const std::string& option, const std::string& text) {
+  return std::chrono::milliseconds(NumberArg(option, text, 0, 600'000));
+}
+
+const std::map<std::string, Setter> kSetters = {
+    {"--ids", [](Options& o, const std::string&, const std::string& v) { o.ids = IdsArg(v); }},
+    {"--type",
+     [](Options& o, const std::string& n, const std::string& v) { o.systemType = Int(n, v, 2); }},
+    {"--device",
+     [](Options& o, const std::string&, const std::string& v) {
+       o.mode = Options::Mode::Device;
+       o.device = v;
+     }},
+    {"--tcp",
+     [](Options& o, const std::string& n, const std::string& v) {
+       o.mode = Options::Mode::Tcp;
+       o.tcpPort = Int(n, v, 65535);
+     }},
+    {"--silent", [](Options& o, const std::string& n,
+                    const std::string& v) { o.faults.silentFrames = Int(n, v, 1'000'000); }},
+    {"--silent-code",
+     [](Options& o, const std::string& n, const std::string& v) {
+       o.faults.silentCode = static_cast<std::uint8_t>(Int(n, v, 255));
+     }},
+    {"--vanish-after",
+     [](Options& o, const std::string& n, const std::string& v) {
+       o.faults.vanishAfterFrames = Int(n, v, 1'000'000);
+     }},
+    {"--late", [](Options& o, const std::string& n,
+                  const std::string& v) { o.faults.replyDelay = Ms(n, v); }},
+    {"--garbage", [](Options& o, const std::string& n,
+                     const std::string& v) { o.faults.garbageBytes = Int(n, v, 1000); }},
+    {"--corrupt", [](Options& o, const std::string& n,
+                     const std::string& v) { o.faults.corruptIndex = Int(n, v, 303); }},
+    {"--drop-requests", [](Options& o, const std::string& n,
+                           const std::string& v) { o.faults.dropRequestRate = RateArg(n, v); }},
+    {"--drop-replies", [](Options& o, const std::string& n,
+                          const std::string& v) { o.faults.dropReplyRate = RateArg(n, v); }},
+    {"--corrupt-rate", [](Options& o, const std::string& n,
+                          const std::string& v) { o.faults.corruptRate = RateArg(n, v); }},
+    {"--max-delay", [](Options& o, const std::string& n,
+                       const std::string& v) { o.faults.maxRandomDelay = Ms(n, v); }},
+    {"--seed",
+     [](Options& o, const std::string& n, const std::string& v) {
+       o.faults.seed = static_cast<std::uint32_t>(NumberArg(n, v, 0, 4'294'967'295LL));
+     }},
+};
+
 Options ParseOptions(int argc, char** argv) {
   Options options;
   for (int i = 1; i < argc; ++i) {
     const std::string arg = argv[i];
-    auto value = [&]() -> std::string {
-      if (i + 1 >= argc) UsageError(arg + " needs a value");
-      return argv[++i];
-    };
-    if (arg == "--ids")
-      options.ids = IdsArg(value());
-    else if (arg == "--type")
-      options.systemType = static_cast<int>(NumberArg(arg, value(), 0, 2));
-    else if (arg == "--pty")
-      options.mode = Options::Mode::Pty;
-    else if (arg == "--device") {
-      options.mode = Options::Mode::Device;
-      options.device = value();
-    } else if (arg == "--tcp") {
-      options.mode = Options::Mode::Tcp;
-      options.tcpPort = static_cast<int>(NumberArg(arg, value(), 0, 65535));
-    } else if (arg == "--paced")
-      options.paced = true;
-    else if (arg == "--silent")
-      options.faults.silentFrames = static_cast<int>(NumberArg(arg, value(), 0, 1'000'000));
-    else if (arg == "--silent-code")
-      options.faults.silentCode = static_cast<std::uint8_t>(NumberArg(arg, value(), 0, 255));
-    else if (arg == "--vanish-after")
-      options.faults.vanishAfterFrames = static_cast<int>(NumberArg(arg, value(), 0, 1'000'000));
-    else if (arg == "--second-poll")
-      options.faults.answerSecondPollOnly = true;
-    else if (arg == "--wrong-poll")
-      options.faults.wrongPollByte = true;
-    else if (arg == "--late")
-      options.faults.replyDelay = std::chrono::milliseconds(NumberArg(arg, value(), 0, 600'000));
-    else if (arg == "--garbage")
-      options.faults.garbageBytes = static_cast<int>(NumberArg(arg, value(), 0, 1000));
-    else if (arg == "--corrupt")
-      options.faults.corruptIndex = static_cast<int>(NumberArg(arg, value(), 0, 303));
-    else if (arg == "--drop-requests")
-      options.faults.dropRequestRate = RateArg(arg, value());
-    else if (arg == "--drop-replies")
-      options.faults.dropReplyRate = RateArg(arg, value());
-    else if (arg == "--corrupt-rate")
-      options.faults.corruptRate = RateArg(arg, value());
-    else if (arg == "--max-delay")
-      options.faults.maxRandomDelay =
-          std::chrono::milliseconds(NumberArg(arg, value(), 0, 600'000));
-    else if (arg == "--seed")
-      options.faults.seed = static_cast<std::uint32_t>(NumberArg(arg, value(), 0, 4'294'967'295LL));
-    else if (arg == "--help" || arg == "-h") {
+    if (arg == "--help" || arg == "-h") {
       std::cout << kUsage;
       std::exit(0);
-    } else
+    }
+    if (const auto flag = kFlags.find(arg); flag != kFlags.end()) {
+      flag->second(options);
+    } else if (const auto setter = kSetters.find(arg); setter != kSetters.end()) {
+      if (i + 1 >= argc) UsageError(arg + " needs a value");
+      setter->second(options, arg, argv[++i]);
+    } else {
       UsageError("unknown option \"" + arg + "\"");
+    }
   }
   return options;
 }
