@@ -1,6 +1,7 @@
 #include "app/main_window.h"
 
 #include <QCloseEvent>
+#include <QLabel>
 #include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QScreen>
@@ -15,11 +16,20 @@ MainWindow::MainWindow(std::unique_ptr<Session> session, UserDialogs& dialogs, Q
   setCentralWidget(area_);
   area_->setBackground(QColor(0x5b, 0x63, 0x70));
   BuildMenus();
+  lineState_ = new QLabel;
+  statusBar()->addPermanentWidget(lineState_);
   resize(QSize(1000, 680).boundedTo(screen()->availableGeometry().size()));
   connect(session_.get(), &Session::startupFinished, this, &MainWindow::FinishStartup);
   connect(session_.get(), &Session::connected, this, &MainWindow::OpenEditor);
   connect(session_.get(), &Session::deviceLost, this, &MainWindow::CloseEditorOf);
   connect(session_.get(), &Session::fatalTimeOut, this, [this] { emit quitRequested(1); });
+  connect(session_.get(), &Session::busy, this, [this](const QString& text) {
+    if (text.isEmpty()) {
+      statusBar()->clearMessage();
+    } else {
+      statusBar()->showMessage(text);
+    }
+  });
 }
 
 // The program is ending: its editors close without their question, before the session goes.
@@ -41,7 +51,7 @@ void MainWindow::BuildMenus() {
 }
 
 void MainWindow::Start(const StartupChoice& choice) {
-  statusBar()->showMessage(QString("Port: %1").arg(QString::fromStdString(choice.port)));
+  lineState_->setText(QString("Port: %1").arg(QString::fromStdString(choice.port)));
   if (choice.mode != SearchMode::SingleDevice) {
     search_ = new SearchWindow(this);
     connect(session_.get(), &Session::searchProgress, search_, &SearchWindow::ShowProgress);

@@ -3,6 +3,7 @@
 // before the program ends.
 #pragma once
 
+#include <QLabel>
 #include <QMainWindow>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -66,6 +67,7 @@ class MainWindow : public QMainWindow {
   std::array<editor::CtrlWindow*, kWindowSlotCount> editors_{};
   DeviceListWindow* deviceList_ = nullptr;
   SearchWindow* search_ = nullptr;
+  QLabel* lineState_ = nullptr;  // the port, or demo mode
   bool errorsReported_ = false;
   bool leaving_ = false;
 };

@@ -182,6 +182,7 @@ void Session::Connect(int deviceId) {
     return;
   }
   worker_->Revive(deviceId);
+  emit busy(QString("Connecting device ID:%1 ...").arg(deviceId));
   Submit(
       deviceId, {},
       // The worker reads into a copy: the device's stores belong to this thread.
@@ -216,6 +217,7 @@ Session::ConnectResult Session::ConnectOnWorker(link::Link& link, int deviceId,
 }
 
 void Session::FinishConnect(int deviceId, const ConnectResult& result) {
+  emit busy({});
   DeviceEntry& device = Device(deviceId);
   const std::size_t index = static_cast<std::size_t>(deviceId);
   if (!result.present) {

@@ -116,6 +116,8 @@ class Session : public QObject, private link::LinkObserver {
   void startupFinished(talvex::app::StartupOutcome outcome);
   void rowsChanged();
   void connected(int deviceId);
+  // A long job began or ended: what the status bar says meanwhile ("" when it ended).
+  void busy(QString text);
   // The device failed during an edit: the message has been shown, its editor must close.
   void deviceLost(int deviceId);
   // A block read timed out: "Time out" has been shown and the program must end at once.
