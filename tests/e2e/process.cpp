@@ -1,10 +1,11 @@
 #include "process.h"
 
+#include <signal.h>
+
 #include <QDeadlineTimer>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QThread>
-#include <signal.h>
 
 namespace talvex::testing {
 
@@ -14,13 +15,16 @@ ChildProcess::ChildProcess(const QString& program, const QStringList& args)
   started_ = process_->waitForStarted(5000);
 }
 
-ChildProcess::~ChildProcess() { Terminate(); }
+ChildProcess::~ChildProcess() {
+  Terminate();
+}
 
 std::string ChildProcess::ReadLine(QProcess::ProcessChannel channel, int timeoutMs) {
   process_->setReadChannel(channel);
   QDeadlineTimer deadline(timeoutMs);
   while (!process_->canReadLine()) {
-    if (deadline.hasExpired() || !process_->waitForReadyRead(static_cast<int>(deadline.remainingTime())))
+    if (deadline.hasExpired() ||
+        !process_->waitForReadyRead(static_cast<int>(deadline.remainingTime())))
       return {};
   }
   return process_->readLine().trimmed().toStdString();
@@ -39,7 +43,9 @@ int ChildProcess::Terminate() {
   return process_->exitStatus() == QProcess::NormalExit ? process_->exitCode() : -1;
 }
 
-std::string ChildProcess::AllStderr() { return process_->readAllStandardError().toStdString(); }
+std::string ChildProcess::AllStderr() {
+  return process_->readAllStandardError().toStdString();
+}
 
 PtyPair::PtyPair() {
   socat_ = std::make_unique<ChildProcess>(

@@ -12,16 +12,10 @@
 #include "params/default_image.h"
 #include "params/image_layout.h"
 #include "process.h"
+#include "testlib/scripted_transport.h"
 
 namespace talvex::testing {
 namespace {
-
-protocol::Command Command(std::uint8_t code, std::array<std::uint8_t, 8> params = {}) {
-  protocol::Command command;
-  command.code = code;
-  command.params = params;
-  return command;
-}
 
 class RealLine {
  public:
@@ -38,10 +32,11 @@ void ExpectAFullConversation(link::Link& link) {
   ASSERT_TRUE(link.OpenPort()) << link.LastOpenError();
   EXPECT_TRUE(link.PollDevice(3, link::PollCommand(3)));
   EXPECT_FALSE(link.PollDevice(4, link::PollCommand(4)));
-  ASSERT_EQ(link.SendCommand(3, Command(17, {0x01, 0x70, 0, 0, 'Z'})), link::SendResult::Replied);
-  ASSERT_EQ(link.SendCommand(3, Command(16, {0x01, 0x70})), link::SendResult::Replied);
+  ASSERT_EQ(link.SendCommand(3, testing::MakeCommand(17, {0x01, 0x70, 0, 0, 'Z'})),
+            link::SendResult::Replied);
+  ASSERT_EQ(link.SendCommand(3, testing::MakeCommand(16, {0x01, 0x70})), link::SendResult::Replied);
   EXPECT_EQ(link.RxBuffer()[8], 'Z');
-  ASSERT_EQ(link.ReadBlock(3, Command(11, {255, 255})), link::BlockResult::Received);
+  ASSERT_EQ(link.ReadBlock(3, testing::MakeCommand(11, {255, 255})), link::BlockResult::Received);
   EXPECT_TRUE(std::equal(params::DefaultImage[0].begin(), params::DefaultImage[0].end(),
                          link.RxBuffer().begin()));
 }
@@ -67,10 +62,11 @@ TEST(RealLineTest, shouldRetransmitToASilentDeviceOverARealLine) {
   RealLine line(pty.Second());
   link::Link& link = line.Link();
   ASSERT_TRUE(link.OpenPort());
-  EXPECT_EQ(link.SendCommand(2, Command(9, {3, 0, 0, 0, 0, 0, 0, 1})), link::SendResult::Replied);
+  EXPECT_EQ(link.SendCommand(2, testing::MakeCommand(9, {3, 0, 0, 0, 0, 0, 0, 1})),
+            link::SendResult::Replied);
   EXPECT_EQ(link.Stats().transmissions, 2);
   // The noise after that reply must not spoil the next exchange.
-  ASSERT_EQ(link.SendCommand(2, Command(16, {0, 34})), link::SendResult::Replied);
+  ASSERT_EQ(link.SendCommand(2, testing::MakeCommand(16, {0, 34})), link::SendResult::Replied);
   EXPECT_EQ(link.RxBuffer()[0], protocol::kFrameStart);
   EXPECT_EQ(link.RxBuffer()[3], 16);
 }

@@ -9,18 +9,14 @@ namespace talvex::link {
 namespace {
 
 using testing::Bytes;
+using testing::MakeCommand;
 using testing::RecordingObserver;
 using testing::ReplyFrame;
 using testing::ScriptedTransport;
 
-protocol::Command MakeCommand(std::uint8_t code, std::array<std::uint8_t, 8> params = {}) {
-  protocol::Command command;
-  command.code = code;
-  command.params = params;
-  return command;
+Bytes Block(std::uint8_t fill) {
+  return Bytes(protocol::kBlockSize, fill);
 }
-
-Bytes Block(std::uint8_t fill) { return Bytes(protocol::kBlockSize, fill); }
 
 class LinkTest : public ::testing::Test {
  protected:
@@ -55,7 +51,8 @@ TEST_F(LinkTest, shouldFailAfterFiveUnansweredTransmissionsAndReportOnce) {
   EXPECT_EQ(observer.failures[0].kind, FailureKind::CommunicationProblem);
   EXPECT_EQ(observer.failures[0].deviceId, 7);
   EXPECT_EQ(observer.failures[0].title, "Communication problem");
-  EXPECT_EQ(observer.failures[0].text, " The system will be close the communication with this device");
+  EXPECT_EQ(observer.failures[0].text,
+            " The system will be close the communication with this device");
   EXPECT_FALSE(link.ReplyReceived());
 }
 
@@ -154,7 +151,8 @@ TEST_F(LinkTest, shouldWriteNothingOnAnEarlyReturn) {
 TEST_F(LinkTest, shouldTimeOutABlockReadAfterSixTransmissions) {
   EXPECT_EQ(link.ReadBlock(4, MakeCommand(11, {255, 255})), BlockResult::TimedOut);
   ASSERT_EQ(transport.Written().size(), 6u);
-  for (std::size_t i = 0; i + 1 < 6; ++i) EXPECT_EQ(GapBetweenWrites(i), 18144ms);
+  for (std::size_t i = 0; i + 1 < 6; ++i)
+    EXPECT_EQ(GapBetweenWrites(i), 18144ms);
   ASSERT_EQ(observer.failures.size(), 1u);
   EXPECT_EQ(observer.failures[0].kind, FailureKind::BlockTimeOut);
   EXPECT_EQ(observer.failures[0].text, "Time out");

@@ -23,7 +23,8 @@ TEST(PortSpecTest, shouldParseEveryKindOfLine) {
       {"COM3", "COM3"},
       {"simulator", "simulator"},  // a serial port that happens to start with "sim"
   };
-  for (const Case& c : cases) EXPECT_EQ(ToString(ParsePortSpec(c.text)), c.canonical) << c.text;
+  for (const Case& c : cases)
+    EXPECT_EQ(ToString(ParsePortSpec(c.text)), c.canonical) << c.text;
 }
 
 TEST(PortSpecTest, shouldRefuseBadPortsNamingThem) {

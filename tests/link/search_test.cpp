@@ -8,9 +8,11 @@ namespace talvex::link {
 namespace {
 
 TEST(SearchTest, shouldWriteTheProgressCutToTenths) {
-  const std::pair<int, const char*> cases[] = {
-      {0, "0 %"}, {1, "3.1 %"}, {2, "6.2 %"}, {3, "9.3 %"}, {8, "25 %"}, {31, "96.8 %"}, {32, "100 %"}};
-  for (const auto& [id, text] : cases) EXPECT_EQ(SearchProgressText(id), text) << id;
+  const std::pair<int, const char*> cases[] = {{0, "0 %"},   {1, "3.1 %"}, {2, "6.2 %"},
+                                               {3, "9.3 %"}, {8, "25 %"},  {31, "96.8 %"},
+                                               {32, "100 %"}};
+  for (const auto& [id, text] : cases)
+    EXPECT_EQ(SearchProgressText(id), text) << id;
 }
 
 TEST(SearchTest, shouldFindSlowDevicesAndSkipThoseThatAnswerWrongly) {
@@ -20,14 +22,15 @@ TEST(SearchTest, shouldFindSlowDevicesAndSkipThoseThatAnswerWrongly) {
   Link link(*line.transport, *line.clock);
   ASSERT_TRUE(link.OpenPort());
   std::vector<std::string> progress;
-  const auto found =
-      SearchDevices(link, AllDeviceIds(), [&](const std::string& text) { progress.push_back(text); });
+  const auto found = SearchDevices(link, AllDeviceIds(),
+                                   [&](const std::string& text) { progress.push_back(text); });
   EXPECT_EQ(found, (std::vector<int>{0, 3, 32}));
   ASSERT_EQ(progress.size(), 33u);
   EXPECT_EQ(progress.back(), "100 %");
   // Each silent ID gets a second poll after a 10 ms pause; a found one needs only its first.
   EXPECT_EQ(line.simulator->Device(0).FramesHandled(0), 1);
-  EXPECT_EQ(line.simulator->Device(3).FramesHandled(0), 1);  // the ignored first poll never reached it
+  EXPECT_EQ(line.simulator->Device(3).FramesHandled(0),
+            1);  // the ignored first poll never reached it
   EXPECT_EQ(line.simulator->Device(7).FramesHandled(0), 2);
 }
 

@@ -82,11 +82,15 @@ void ScriptedTransport::DiscardInput() {
   received_.clear();
 }
 
-Bytes ReplyFrame(int deviceId, std::uint8_t code, std::array<std::uint8_t, 8> params) {
+protocol::Command MakeCommand(std::uint8_t code, std::array<std::uint8_t, 8> params) {
   protocol::Command command;
   command.code = code;
   command.params = params;
-  const protocol::Frame frame = protocol::BuildFrame(deviceId, command);
+  return command;
+}
+
+Bytes ReplyFrame(int deviceId, std::uint8_t code, std::array<std::uint8_t, 8> params) {
+  const protocol::Frame frame = protocol::BuildFrame(deviceId, MakeCommand(code, params));
   return {frame.begin(), frame.end()};
 }
 

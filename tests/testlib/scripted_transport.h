@@ -64,6 +64,9 @@ class ScriptedTransport final : public link::Transport {
   std::deque<std::uint8_t> received_;
 };
 
+// A command from its code and parameter bytes p1..p8.
+protocol::Command MakeCommand(std::uint8_t code, std::array<std::uint8_t, 8> params = {});
+
 // A 13-byte reply frame for `deviceId` and `code` with the given parameter bytes.
 Bytes ReplyFrame(int deviceId, std::uint8_t code, std::array<std::uint8_t, 8> params = {});
 
