@@ -20,6 +20,7 @@
 #include "params/device_params.h"
 #include "presets/device_state.h"
 #include "presets/live_image.h"
+#include "presets/preset_transfer.h"
 #include "presets/system_lock.h"
 
 namespace talvex::fuzz {
@@ -184,11 +185,17 @@ void CheckPoll(link::Link& link, int id) {
           "present only with 0x81 at index 4");
 }
 
-// What the program does with a live image it read: decode every value from it.
+// What the program does with a live image it read: decode every value from it and load it
+// into the editor. A garbled block leaves the image as it was.
 void TakeImage(link::Link& link, int id) {
-  params::ParamImage image = params::DefaultRecord(0);
-  if (presets::ReadLiveImage(link, id, image) != presets::LiveRead::Received) return;
+  const params::ParamImage before = params::DefaultRecord(0);
+  params::ParamImage image = before;
+  const presets::LiveRead read = presets::ReadLiveImage(link, id, image);
+  if (read == presets::LiveRead::Garbled) Require(image == before, "a garbled block is not taken");
+  if (read != presets::LiveRead::Received) return;
   params::DeviceParams device = params::DeviceParams::FromImage(image);
+  presets::PresetView view;
+  (void)presets::ApplyPreset(device, view, presets::TransferFlags::EditorLoad());
   (void)graph::SettingsFromImage(device.image);
 }
 

@@ -4,8 +4,10 @@
 // back by name. The first byte chooses the device's system type and whether the file is read
 // once more on its own (talvexctl --file); the rest is the file.
 //
-// Checked: no crash; a load that is not Loaded leaves the device's record as it was; a loaded
-// record holds the file's bytes 0..303; a file under 20 bytes is gone afterwards.
+// Checked: no crash; a load that is not Loaded leaves the device's record as it was; a file
+// under 20 bytes is gone afterwards; and a loaded preset, sent to a simulated device that held
+// the file's bytes, leaves that device's live image equal to the program's bytes 0..303 (what
+// the editor shows is what the device runs).
 #include <algorithm>
 #include <fstream>
 
@@ -14,6 +16,7 @@
 #include "params/param_names.h"
 #include "presets/preset_file.h"
 #include "presets/preset_load.h"
+#include "sim/sim_device.h"
 
 namespace {
 
@@ -45,8 +48,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   WriteFile(path, bytes + 1, size - 1);
 
   if (readAlone) {
+    // talvexctl --file get: a byte no device keeps is named in an IndexError, which talvexctl
+    // prints (exit 1).
     params::ParamImage record{};
-    if (presets::ReadPresetFile(path.string(), record).empty()) ReadEveryParam(record);
+    try {
+      if (presets::ReadPresetFile(path.string(), record).empty()) ReadEveryParam(record);
+    } catch (const IndexError&) {
+    }
   }
 
   // The scratch record lives as long as the program: what one load leaves, the next may take.
@@ -60,9 +68,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
       presets::LoadPresetFile(path.string(), scratch, device, state, view, reporter);
 
   if (result.outcome == presets::PresetLoad::Loaded) {
-    fuzz::Require(std::equal(bytes + 1, bytes + 1 + std::min<std::size_t>(size - 1, 304),
+    sim::SimDevice simulated(0, systemType);
+    std::copy_n(scratch.bytes.begin(), params::kPresetSize, simulated.LiveImage().begin());
+    for (const presets::PresetStep& step : result.transfer.steps)
+      simulated.Handle(protocol::BuildFrame(0, step.edit.command));
+    fuzz::Require(std::equal(simulated.LiveImage().begin(), simulated.LiveImage().end(),
                              device.image.begin()),
-                  "a loaded record holds the file's bytes 0..303");
+                  "the device runs what the editor shows");
     (void)graph::SettingsFromImage(device.image);
     ReadEveryParam(device.image);
   } else {
