@@ -20,7 +20,8 @@ inline void Require(bool holds, const char* what) {
 }
 
 // One scratch folder per process under $TMPDIR, made on first use and removed with everything
-// in it at exit: a target never writes anywhere else and leaves nothing behind.
+// in it at exit: a target never writes anywhere else. libFuzzer ends a fuzzing run without the
+// exit handlers, so fuzz/run.sh points $TMPDIR into a folder it removes itself.
 inline const std::filesystem::path& ScratchFolder() {
   static const std::filesystem::path folder = [] {
     std::string pattern = (std::filesystem::temp_directory_path() / "talvex-fuzz-XXXXXX").string();

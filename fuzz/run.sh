@@ -7,6 +7,7 @@
 #
 #   fuzz/run.sh          # 30 s each, as CI runs it
 #   fuzz/run.sh 600      # 10 minutes each
+# FUZZ_SEED=N fixes libFuzzer's random seed (CI uses 1, so that a run can be repeated).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds="${1:-30}"
@@ -24,6 +25,14 @@ trap 'rm -rf "$work"' EXIT
 export ASAN_OPTIONS="${ASAN_OPTIONS:-detect_leaks=1:abort_on_error=1}"
 export UBSAN_OPTIONS="${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}"
 
+seed_args=()
+if [ -n "${FUZZ_SEED:-}" ]; then seed_args=(-seed="$FUZZ_SEED"); fi
+
+# The targets keep their scratch files under $TMPDIR; libFuzzer ends a run without the exit
+# handlers that would remove them, so they live in the work folder, which goes at the end.
+export TMPDIR="$work/tmp"
+mkdir -p "$TMPDIR"
+
 failed=()
 for target in "${targets[@]}"; do
   name="${target%_fuzz}"
@@ -33,7 +42,8 @@ for target in "${targets[@]}"; do
   # preset and a few blocks of line noise.
   if ! (cd "$work" && "$OLDPWD/build/fuzz/fuzz/$target" "$work/$name" "$OLDPWD/fuzz/corpus/$name" \
           -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -max_len=4096 \
-          -print_final_stats=1 -artifact_prefix="$findings/$name-" 2>"$work/$name.log"); then
+          -print_final_stats=1 -artifact_prefix="$findings/$name-" "${seed_args[@]}" \
+          2>"$work/$name.log"); then
     failed+=("$target")
     tail -n 60 "$work/$name.log"
   else
