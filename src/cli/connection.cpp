@@ -4,12 +4,22 @@
 
 namespace talvex::cli {
 
-params::DeviceParams ReadLive(CliContext& context) {
+params::ParamImage ReadLiveRecord(CliContext& context) {
   params::ParamImage record = params::DefaultRecord(0);
-  if (presets::ReadLiveImage(context.Link(), context.Options().id, record) !=
-      presets::LiveRead::Received)
-    throw CommandFailed("the device's image could not be read", context.LinkFailedOnce());
-  return params::DeviceParams::FromImage(record);
+  switch (presets::ReadLiveImage(context.Link(), context.Options().id, record)) {
+    case presets::LiveRead::Received:
+      return record;
+    case presets::LiveRead::Garbled:
+      throw CommandFailed("the device's image came garbled (a byte no device keeps); try again");
+    case presets::LiveRead::Skipped:
+    case presets::LiveRead::Failed:
+      break;
+  }
+  throw CommandFailed("the device's image could not be read", context.LinkFailedOnce());
+}
+
+params::DeviceParams ReadLive(CliContext& context) {
+  return params::DeviceParams::FromImage(ReadLiveRecord(context));
 }
 
 presets::DeviceState ReadState(CliContext& context, params::DeviceParams& device) {

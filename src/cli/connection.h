@@ -7,6 +7,10 @@
 
 namespace talvex::cli {
 
+// Bytes 0..303 the device's live image, the rest a default record. CommandFailed when the read
+// fails or the block came garbled.
+params::ParamImage ReadLiveRecord(CliContext& context);
+
 // The device's record as far as a block read tells it: bytes 0..303 are the device's live
 // image, the rest a default record. CommandFailed when the read fails.
 params::DeviceParams ReadLive(CliContext& context);

@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "cli/commands.h"
+#include "cli/connection.h"
 #include "params/param_names.h"
 #include "presets/live_image.h"
 #include "presets/preset_file.h"
@@ -79,16 +80,25 @@ int Get(CliContext& context) {
   return kExitOk;
 }
 
+// True when the parameter does not take the value: the system's message went to stderr (the
+// caller exits 2); a word that is not one of the parameter's is a UsageError.
+bool RefusesValue(CliContext& context, const params::SetOutcome& outcome) {
+  if (!outcome.badChoice.empty()) throw UsageError(outcome.badChoice);
+  if (outcome.badText.empty()) return false;
+  context.Err() << outcome.badText << '\n';
+  return true;
+}
+
 int Set(CliContext& context) {
   RequireArgCount(context, 2, 2);
   const ParamRef ref = ParamArg(context.Args()[0]);
+  // Whether the text is a value of the parameter does not depend on the record: it is tried on
+  // a factory record first, so that a bad value reads nothing from the device or the file.
+  params::DeviceParams trial = params::DeviceParams::FromDefault(0);
+  if (RefusesValue(context, params::SetParam(trial, ref, context.Args()[1]))) return kExitUsage;
   params::DeviceParams device = params::DeviceParams::FromImage(LoadRecord(context));
   const params::SetOutcome outcome = params::SetParam(device, ref, context.Args()[1]);
-  if (!outcome.badText.empty()) {
-    context.Err() << outcome.badText << '\n';
-    return kExitUsage;
-  }
-  if (!outcome.badChoice.empty()) throw UsageError(outcome.badChoice);
+  if (RefusesValue(context, outcome)) return kExitUsage;
   if (Offline(context)) {
     const std::string error = presets::WritePresetFile(*context.Options().file, device.image);
     if (!error.empty()) throw CommandFailed(error);
@@ -136,10 +146,7 @@ params::ParamImage LoadRecord(CliContext& context) {
     if (!error.empty()) throw CommandFailed(error);
     return record;
   }
-  if (presets::ReadLiveImage(context.Link(), context.Options().id, record) !=
-      presets::LiveRead::Received)
-    throw CommandFailed("the device's image could not be read", context.LinkFailedOnce());
-  return record;
+  return ReadLiveRecord(context);
 }
 
 void AddParamCommands(std::vector<CommandSpec>& commands) {

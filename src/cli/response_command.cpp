@@ -79,8 +79,10 @@ std::string Decimal(float value) {
 int Response(CliContext& context) {
   const ResponseArgs args = ParseArgs(context.Args());
   if (context.Options().json) throw UsageError("response prints CSV; --json does not apply");
-  const graph::ResponseSettings settings = graph::SettingsFromImage(LoadRecord(context));
   const auto tables = std::make_unique<graph::ResponseTables>();
+  // A --part the channel lacks is a usage error before anything is read from the device.
+  (void)Select(*tables, args.channel, args.part);
+  const graph::ResponseSettings settings = graph::SettingsFromImage(LoadRecord(context));
   tables->ComputeAll(settings);
   const Curves curves = Select(*tables, args.channel, args.part);
   std::ostream& out = context.Out();

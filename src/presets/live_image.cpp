@@ -2,7 +2,23 @@
 
 #include <algorithm>
 
+#include "presets/preset_transfer.h"
+
 namespace talvex::presets {
+
+// Line noise inside a block arrives as a byte the device never holds (a frequency byte above
+// 240, a limiter index past its table ...). Taken over, it would stop the editor's load and
+// every decoder with an IndexError; it is refused here, where the bytes come in.
+bool IsReadableImage(const params::ParamImage& image) {
+  try {
+    params::DeviceParams device = params::DeviceParams::FromImage(image);
+    PresetView noView;
+    (void)ApplyPreset(device, noView, TransferFlags::EditorLoad());
+    return true;
+  } catch (const IndexError&) {
+    return false;
+  }
+}
 
 LiveRead ReadLiveImage(link::Link& link, int deviceId, params::ParamImage& image) {
   protocol::Command read;
@@ -17,10 +33,14 @@ LiveRead ReadLiveImage(link::Link& link, int deviceId, params::ParamImage& image
     case link::BlockResult::Received:
       break;
   }
-  std::copy_n(link.RxBuffer().begin(), params::kPresetSize, image.begin());
+  params::ParamImage received = image;
+  std::copy_n(link.RxBuffer().begin(), params::kPresetSize, received.begin());
+  const bool readable = IsReadableImage(received);
+  if (readable) image = received;
   const link::SendResult closed = link.SendCommand(deviceId, protocol::Command{});
   const bool failed = closed == link::SendResult::Failed || closed == link::SendResult::NoReply;
-  return failed ? LiveRead::Failed : LiveRead::Received;
+  if (failed) return LiveRead::Failed;
+  return readable ? LiveRead::Received : LiveRead::Garbled;
 }
 
 }  // namespace talvex::presets

@@ -1,8 +1,12 @@
 #include "config/config_files.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <fstream>
+#include <functional>
+
+#include "testlib/file_size_limit.h"
 
 namespace talvex::config {
 namespace {
@@ -144,14 +148,56 @@ TEST(ConfigFilesTest, shouldLeaveTheOldFileWholeWhenAWriteFails) {
   EXPECT_EQ(ReadDeviceIdTable(folder.Path()).value[0], 9);
 }
 
-TEST(ConfigFilesTest, shouldRefuseFoldersAndHugeFilesInPlaceOfAConfigurationFile) {
+TEST(ConfigFilesTest, shouldReadNothingFromAPathThatIsNoSmallReadableFile) {
+  struct Case {
+    const char* what;
+    std::function<void(const fs::path&)> make;
+  };
+  const Case cases[] = {
+      {"a folder", [](const fs::path& p) { fs::create_directory(p); }},
+      // Opening a pipe would wait for a writer forever; it is refused unopened.
+      {"a pipe", [](const fs::path& p) { ASSERT_EQ(::mkfifo(p.c_str(), 0600), 0); }},
+      {"a dangling link", [](const fs::path& p) { fs::create_symlink(p.string() + ".gone", p); }},
+      {"a huge file",
+       [](const fs::path& p) {
+         std::ofstream(p, std::ios::binary) << std::string(200'000, '\x01');
+       }},
+      {"a sparse 4 GiB file",
+       [](const fs::path& p) {
+         std::ofstream(p, std::ios::binary).put('\x01');
+         fs::resize_file(p, 4ull << 30);
+       }},
+  };
+  for (const Case& c : cases) {
+    TempFolder folder;
+    c.make(folder.Path() / kDeviceIdFile);
+    c.make(folder.Path() / kInitFile);
+    c.make(folder.Path() / kSpeakersFile);
+    const auto ids = ReadDeviceIdTable(folder.Path());
+    const auto init = ReadInitSettings(folder.Path());
+    const auto speakers = ReadSpeakerRecords(folder.Path());
+    EXPECT_FALSE(ids.found || init.found || speakers.found) << c.what;
+    EXPECT_EQ(ids.value, DeviceIdTable{}) << c.what;
+    EXPECT_EQ(init.value.PortNumber, 0) << c.what;
+    EXPECT_TRUE(PresentDeviceIds(speakers.value).empty()) << c.what;
+  }
+}
+
+TEST(ConfigFilesTest, shouldKeepTheOldFileWholeWhenTheDiskIsFull) {
   TempFolder folder;
-  fs::create_directory(folder.Path() / "Speakers.cfg");
-  EXPECT_FALSE(ReadSpeakerRecords(folder.Path()).found);
-  std::ofstream(folder.Path() / "TenDev.cfg", std::ios::binary) << std::string(200'000, '\x01');
-  const auto huge = ReadDeviceIdTable(folder.Path());
-  EXPECT_FALSE(huge.found);
-  EXPECT_EQ(huge.value, DeviceIdTable{});
+  SpeakerRecords records{};
+  records[3] = {3, "Left", true};
+  ASSERT_EQ(WriteSpeakerRecords(folder.Path(), records), "");
+  records[4] = {4, "Right", true};
+  std::string error;
+  {
+    testing::FileSizeLimit fullDisk(500);  // the 726 bytes do not fit
+    error = WriteSpeakerRecords(folder.Path(), records);
+  }
+  EXPECT_EQ(error, "cannot write " + (folder.Path() / kSpeakersFile).string());
+  EXPECT_EQ(fs::file_size(folder.Path() / kSpeakersFile), 33u * kSpeakerRecordSize);
+  EXPECT_EQ(PresentDeviceIds(ReadSpeakerRecords(folder.Path()).value), std::vector<int>{3});
+  EXPECT_FALSE(fs::exists(folder.Path() / "Speakers.cfg.saving"));
 }
 
 TEST(ConfigFilesTest, shouldSpotDuplicateIds) {

@@ -26,9 +26,16 @@ class LinkWorkerTest : public ::testing::Test {
   }
 
   // Holds the worker on a first job until the test lets it go, so that later jobs queue up.
+  // Returns once the worker is inside that job: what the test queues next all waits.
   std::promise<void> gate;
   void Block(LinkWorker& worker) {
-    worker.Enqueue(kAnyDevice, [f = gate.get_future().share()](Link&) { f.wait(); });
+    std::promise<void> started;
+    std::future<void> running = started.get_future();
+    worker.Enqueue(kAnyDevice, [&started, f = gate.get_future().share()](Link&) {
+      started.set_value();
+      f.wait();
+    });
+    running.wait();
   }
 
   Line line;
@@ -66,7 +73,7 @@ TEST_F(LinkWorkerTest, shouldSendOnlyTheNewestQueuedValueAfterWhatWasQueuedBefor
   worker.EnqueueCoalesced(0, "out1.level", edit("level -2"));
   worker.EnqueueCoalesced(1, "out1.level", edit("device 1 level"));  // another device: kept
   worker.EnqueueCoalesced(0, "out1.level", edit("level -3"));
-  EXPECT_EQ(worker.Waiting(), 4u);
+  EXPECT_EQ(worker.Waiting(), 3u);  // mute, device 1's level, level -3
   gate.set_value();
   worker.WaitIdle();
   EXPECT_EQ(sent, (std::vector<std::string>{"mute", "device 1 level", "level -3"}));
