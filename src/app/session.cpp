@@ -15,10 +15,21 @@ using namespace std::chrono_literals;
 
 // Between the port's receive reset and the first poll of a connect, two short pauses.
 constexpr link::Clock::Duration kConnectSettlePause = 50ms;
+// A live image that comes garbled (line noise in a block, which has no checksum) is read again
+// this many times before the connect gives up.
+constexpr int kGarbledImageReads = 3;
 // Single-device mode polls once more after this pause.
 constexpr link::Clock::Duration kSinglePollPause = 30ms;
 // Each device of a name refresh is followed by this pause.
 constexpr link::Clock::Duration kRefreshPause = 50ms;
+
+presets::LiveRead ReadUngarbled(link::Link& link, int deviceId, params::ParamImage& image) {
+  presets::LiveRead read = presets::LiveRead::Garbled;
+  for (int attempt = 0; attempt < kGarbledImageReads && read == presets::LiveRead::Garbled;
+       ++attempt)
+    read = presets::ReadLiveImage(link, deviceId, image);
+  return read;
+}
 
 }  // namespace
 
@@ -32,6 +43,12 @@ Session::Session(link::Line line, UserDialogs& dialogs, std::filesystem::path co
       commaDecimal_(commaDecimal) {
   link::LinkObserver* observer = this;
   worker_ = std::make_unique<link::LinkWorker>(link_, observer);
+  worker_->OnJobError([this](int deviceId, const std::string& what) {
+    Post([this, deviceId, what] {
+      dialogs_.ShowMessage(link::kCommunicationProblemTitle.data(),
+                           "ID:" + std::to_string(deviceId) + " " + what, DialogIcon::Warning);
+    });
+  });
 }
 
 // The worker finishes what is queued (command 143 at the end of a run) before the line closes.
@@ -151,7 +168,7 @@ void Session::RefreshFrom(std::size_t row) {
       [id, image = Device(id).params.image](link::Link& link) mutable {
         Refreshed result;
         result.name = link::ReadDeviceName(link, id);
-        if (result.name && presets::ReadLiveImage(link, id, image) == presets::LiveRead::Received)
+        if (result.name && ReadUngarbled(link, id, image) == presets::LiveRead::Received)
           result.image = image;
         link.Time().SleepFor(kRefreshPause);
         return result;
@@ -193,7 +210,7 @@ void Session::Connect(int deviceId) {
 }
 
 Session::ConnectResult Session::ConnectOnWorker(link::Link& link, int deviceId,
-                                                 params::ParamImage record) const {
+                                                params::ParamImage record) const {
   ConnectResult result;
   link.Line().DiscardInput();  // the port's receive state is reset, with a pause either side
   link.Time().SleepFor(kConnectSettlePause);
@@ -206,9 +223,10 @@ Session::ConnectResult Session::ConnectOnWorker(link::Link& link, int deviceId,
   if (!name) return result;
   result.name = *name;
   // The editor opens on what the device holds: its live image, then its state.
-  if (presets::ReadLiveImage(link, deviceId, record) != presets::LiveRead::Received) return result;
+  if (ReadUngarbled(link, deviceId, record) != presets::LiveRead::Received) return result;
   params::DeviceParams device = params::DeviceParams::FromImage(record);
-  if (presets::ReadDeviceState(link, deviceId, device, result.state) != presets::StateRead::Received)
+  if (presets::ReadDeviceState(link, deviceId, device, result.state) !=
+      presets::StateRead::Received)
     return result;
   // The lock dialog compares a typed password with the one the device keeps.
   if (presets::ReadDevicePassword(link, deviceId, result.state) == presets::StateRead::Received)

@@ -56,6 +56,25 @@ std::size_t LinkWorker::Waiting() const {
   return queue_.size();
 }
 
+void LinkWorker::OnJobError(std::function<void(int, const std::string&)> handler) {
+  std::lock_guard lock(mutex_);
+  jobError_ = std::move(handler);
+}
+
+void LinkWorker::RunJob(Entry& entry) {
+  try {
+    entry.job(link_);
+  } catch (const std::exception& error) {
+    std::function<void(int, const std::string&)> handler;
+    {
+      std::lock_guard lock(mutex_);
+      handler = jobError_;
+    }
+    if (handler) handler(entry.deviceId, error.what());
+  }
+  entry.job = nullptr;  // what the job held goes now, on this thread
+}
+
 void LinkWorker::Run() {
   std::unique_lock lock(mutex_);
   while (true) {
@@ -65,7 +84,7 @@ void LinkWorker::Run() {
     queue_.pop_front();
     running_ = true;
     lock.unlock();
-    entry.job(link_);
+    RunJob(entry);
     lock.lock();
     running_ = false;
     if (queue_.empty()) idle_.notify_all();

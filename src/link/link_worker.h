@@ -39,6 +39,10 @@ class LinkWorker final : private LinkObserver {
   // before the failure reached the user would otherwise each fail (and be reported) anew.
   void Revive(int deviceId);
 
+  // A job that throws does not end the program: the error goes here (on the worker thread) and
+  // the next job runs. Its result is lost.
+  void OnJobError(std::function<void(int deviceId, const std::string& what)> handler);
+
   // Blocks until nothing waits and nothing runs. For shutdown and tests, never the UI thread
   // while a device may be slow.
   void WaitIdle();
@@ -52,6 +56,7 @@ class LinkWorker final : private LinkObserver {
   };
 
   void Run();
+  void RunJob(Entry& entry);
   void LinkFailed(const LinkFailure& failure) override;
   void FrameSent(std::span<const std::uint8_t> frame) override;
   void ReplyTaken(std::span<const std::uint8_t> reply) override;
@@ -64,6 +69,7 @@ class LinkWorker final : private LinkObserver {
   std::condition_variable idle_;
   std::deque<Entry> queue_;
   std::set<int> failed_;
+  std::function<void(int, const std::string&)> jobError_;
   bool running_ = false;
   bool stopping_ = false;
   std::thread thread_;

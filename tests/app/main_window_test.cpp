@@ -141,6 +141,17 @@ TEST_F(MainWindowTest, shouldSayWhenADeviceAnswersPollsButNotReads) {
   EXPECT_EQ(app.window->Slots().OpenWindowCount(), -1);
 }
 
+TEST_F(MainWindowTest, shouldNotOpenAnEditorOnAnImageThatStaysGarbled) {
+  AppHarness app("sim:0,1");
+  app.Start(Choice(SearchMode::AllIds));
+  app.simulator->Device(1).LiveImage()[5] = 246;  // a frequency byte no device keeps
+  Open(app, 1);
+  EXPECT_EQ(app.Frames(1, 11), 1 + 3);  // the name pass's read, then three at the connect
+  ASSERT_EQ(app.dialogs.shown.size(), 1u);
+  EXPECT_EQ(app.dialogs.shown[0].text, "Time-Out: Communication problem with device ID:1");
+  EXPECT_EQ(app.window->Slots().OpenWindowCount(), -1);
+}
+
 TEST_F(MainWindowTest, shouldSendCommand143OnlyWhenLeavingIsConfirmed) {
   AppHarness app("sim:0,1");
   app.Start(Choice(SearchMode::AllIds));

@@ -116,6 +116,19 @@ TEST_F(LinkWorkerTest, shouldRefuseJobsForAFailedDeviceUntilItIsRevived) {
   EXPECT_EQ(observer.failures.size(), 1u);
 }
 
+TEST_F(LinkWorkerTest, shouldReportAJobThatThrowsAndGoOn) {
+  std::vector<std::pair<int, std::string>> errors;
+  int ran = 0;
+  LinkWorker worker(link, &observer);
+  worker.OnJobError([&](int id, const std::string& what) { errors.emplace_back(id, what); });
+  worker.Enqueue(1, [](Link&) { throw IndexError("frequency byte 246 is outside 0..240"); });
+  worker.Enqueue(1, [&](Link&) { ++ran; });
+  worker.WaitIdle();
+  EXPECT_EQ(ran, 1);
+  ASSERT_EQ(errors.size(), 1u);
+  EXPECT_EQ(errors[0], std::make_pair(1, std::string("frequency byte 246 is outside 0..240")));
+}
+
 TEST_F(LinkWorkerTest, shouldRunWhatIsQueuedBeforeStopping) {
   int ran = 0;
   {
