@@ -255,87 +255,75 @@ SetOutcome SetChoice(const ParamRef& ref, DeviceParams& device, std::string_view
   }
 }
 
+// A number through its rule, then the one sender with the ruled value, shown with `decimals`.
+template <typename Send>
+SetOutcome SetRuled(const ValueRule& rule, std::string_view text, int decimals, Send send) {
+  Ruled ruled = RuleText(rule, text);
+  if (!ruled.value.Ok()) return ruled.outcome;
+  ruled.outcome.edit = send(ruled.value);
+  ruled.outcome.shown = Number(ruled.value.value, decimals);
+  return ruled.outcome;
+}
+
+SetOutcome SetDelay(const ParamRef& ref, DeviceParams& device, std::string_view text) {
+  const RuledDelay delay = CommitDelayText(text, kDelayUnitMs, kCliTemperature);
+  SetOutcome outcome;
+  outcome.badText = delay.error;
+  if (!delay.Ok()) return outcome;
+  outcome.clamped = delay.clamped;
+  device.values.Temperature() = kCliTemperature;
+  outcome.edit = Senders(device).Delay(ref.channel, delay.steps);
+  outcome.shown = Number(delay.value, 3);
+  return outcome;
+}
+
 SetOutcome SetNumber(const ParamRef& ref, DeviceParams& device, std::string_view text) {
   Senders senders(device);
   const ParamImage& image = device.image;
-  const auto eqBand = [&](double hz, int width, double gainDb) {
-    return senders.EqBand(ref.band, {hz, width, gainDb});
-  };
+  const int band = ref.band;
+  const int channel = ref.channel;
   switch (ref.kind) {
     case ParamKind::Level: {
-      const ValueRule& rule = LevelRule(ref.channel);
-      Ruled ruled = RuleText(rule, text);
-      if (!ruled.value.Ok()) return ruled.outcome;
-      ruled.outcome.edit = senders.Level(ref.channel, ruled.value.value);
-      ruled.outcome.shown = Number(ruled.value.value, rule.decimals);
-      return ruled.outcome;
+      const ValueRule& rule = LevelRule(channel);
+      return SetRuled(rule, text, rule.decimals,
+                      [&](const RuledValue& v) { return senders.Level(channel, v.value); });
     }
-    case ParamKind::Delay: {
-      const RuledDelay delay = CommitDelayText(text, kDelayUnitMs, kCliTemperature);
-      SetOutcome outcome;
-      outcome.badText = delay.error;
-      if (!delay.Ok()) return outcome;
-      outcome.clamped = delay.clamped;
-      device.values.Temperature() = kCliTemperature;
-      outcome.edit = senders.Delay(ref.channel, delay.steps);
-      outcome.shown = Number(delay.value, 3);
-      return outcome;
-    }
-    case ParamKind::EqFrequency: {
-      Ruled ruled = RuleText(rule::kBandFrequency, text);
-      if (!ruled.value.Ok()) return ruled.outcome;
-      ruled.outcome.edit =
-          eqBand(ruled.value.value, BandWidthIndex(image, ref.band), BandGainDb(image, ref.band));
-      ruled.outcome.shown = Number(ruled.value.value, 1);
-      return ruled.outcome;
-    }
-    case ParamKind::EqQ: {
-      Ruled ruled = RuleText(rule::kBandQ, text);
-      if (!ruled.value.Ok()) return ruled.outcome;
-      ruled.outcome.edit =
-          eqBand(BandFrequency(image, ref.band), ruled.value.position, BandGainDb(image, ref.band));
-      ruled.outcome.shown = Number(ruled.value.value, 2);
-      return ruled.outcome;
-    }
-    case ParamKind::EqGain: {
-      Ruled ruled = RuleText(rule::kBandGain, text);
-      if (!ruled.value.Ok()) return ruled.outcome;
-      ruled.outcome.edit = eqBand(BandFrequency(image, ref.band), BandWidthIndex(image, ref.band),
-                                  ruled.value.value);
-      ruled.outcome.shown = Number(ruled.value.value, 1);
-      return ruled.outcome;
-    }
+    case ParamKind::Delay:
+      return SetDelay(ref, device, text);
+    case ParamKind::EqFrequency:
+      return SetRuled(rule::kBandFrequency, text, 1, [&](const RuledValue& v) {
+        return senders.EqBand(band,
+                              {v.value, BandWidthIndex(image, band), BandGainDb(image, band)});
+      });
+    case ParamKind::EqQ:
+      return SetRuled(rule::kBandQ, text, 2, [&](const RuledValue& v) {
+        return senders.EqBand(band,
+                              {BandFrequency(image, band), v.position, BandGainDb(image, band)});
+      });
+    case ParamKind::EqGain:
+      return SetRuled(rule::kBandGain, text, 1, [&](const RuledValue& v) {
+        return senders.EqBand(band,
+                              {BandFrequency(image, band), BandWidthIndex(image, band), v.value});
+      });
     case ParamKind::HighPassFrequency:
     case ParamKind::LowPassFrequency: {
-      Ruled ruled = RuleText(rule::kCrossoverFrequency, text);
-      if (!ruled.value.Ok()) return ruled.outcome;
       const int filter = FilterOf(ref);
-      ruled.outcome.edit =
-          senders.Crossover(filter, ruled.value.value, CrossoverType(image, filter));
-      ruled.outcome.shown = Number(ruled.value.value, 1);
-      return ruled.outcome;
+      return SetRuled(rule::kCrossoverFrequency, text, 1, [&](const RuledValue& v) {
+        return senders.Crossover(filter, v.value, CrossoverType(image, filter));
+      });
     }
-    case ParamKind::Threshold: {
-      Ruled ruled = RuleText(rule::kLimiterThreshold, text);
-      if (!ruled.value.Ok()) return ruled.outcome;
-      ruled.outcome.edit = senders.LimiterThreshold(ref.channel, ruled.value.value);
-      ruled.outcome.shown = Number(ruled.value.value, 1);
-      return ruled.outcome;
-    }
-    case ParamKind::Attack: {
-      Ruled ruled = RuleText(rule::kAttack, text);
-      if (!ruled.value.Ok()) return ruled.outcome;
-      ruled.outcome.edit = senders.LimiterAttack(ref.channel, ruled.value.position);
-      ruled.outcome.shown = Number(ruled.value.value, 1);
-      return ruled.outcome;
-    }
-    case ParamKind::Release: {
-      Ruled ruled = RuleText(rule::kRelease, text);
-      if (!ruled.value.Ok()) return ruled.outcome;
-      ruled.outcome.edit = senders.LimiterRelease(ref.channel, ruled.value.position);
-      ruled.outcome.shown = Number(ruled.value.value, 0);
-      return ruled.outcome;
-    }
+    case ParamKind::Threshold:
+      return SetRuled(rule::kLimiterThreshold, text, 1, [&](const RuledValue& v) {
+        return senders.LimiterThreshold(channel, v.value);
+      });
+    case ParamKind::Attack:
+      return SetRuled(rule::kAttack, text, 1, [&](const RuledValue& v) {
+        return senders.LimiterAttack(channel, v.position);
+      });
+    case ParamKind::Release:
+      return SetRuled(rule::kRelease, text, 0, [&](const RuledValue& v) {
+        return senders.LimiterRelease(channel, v.position);
+      });
     default:
       return SetChoice(ref, device, text);
   }
