@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "cli/cli.h"
+#include "cli_harness.h"
 #include "params/device_params.h"
 #include "presets/preset_file.h"
 
@@ -17,25 +18,6 @@ namespace talvex::cli {
 namespace {
 
 namespace fs = std::filesystem;
-
-struct CliRun {
-  explicit CliRun(std::vector<std::string> args, std::function<void(sim::SimLine&)> prepare = {}) {
-    CliHooks hooks;
-    hooks.makeLine = [&](const link::PortSpec& spec) {
-      link::Line line = link::MakeLine(spec);
-      simulator = line.simulator;
-      if (prepare && simulator) prepare(*simulator);
-      return line;
-    };
-    status = RunCli(args, out, err, hooks);
-  }
-  int FramesSeen() const { return simulator ? simulator->Device(0).FramesHandled() : 0; }
-
-  std::ostringstream out;
-  std::ostringstream err;
-  int status = -1;
-  std::shared_ptr<sim::SimLine> simulator;
-};
 
 class BadInputTest : public ::testing::Test {
  protected:

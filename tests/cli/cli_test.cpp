@@ -4,35 +4,10 @@
 
 #include <sstream>
 
+#include "cli_harness.h"
+
 namespace talvex::cli {
 namespace {
-
-// Runs talvexctl on simulated lines the test can look into afterwards.
-struct CliRun {
-  explicit CliRun(std::vector<std::string> args, std::function<void(sim::SimLine&)> prepare = {}) {
-    CliHooks hooks;
-    hooks.makeLine = [&](const link::PortSpec& spec) {
-      link::Line line = link::MakeLine(spec);
-      simulator = line.simulator;
-      if (prepare && simulator) prepare(*simulator);
-      return line;
-    };
-    status = RunCli(args, out, err, hooks);
-  }
-
-  int FramesSeen() const {
-    if (!simulator) return 0;
-    int frames = 0;
-    for (int id : simulator->DeviceIds())
-      frames += simulator->Device(id).FramesHandled();
-    return frames;
-  }
-
-  std::ostringstream out;
-  std::ostringstream err;
-  int status = -1;
-  std::shared_ptr<sim::SimLine> simulator;
-};
 
 TEST(CliTest, shouldListTheDevicesFoundInIdOrderWithProgressOnStderr) {
   CliRun run({"--port", "sim:7,0,3", "scan"});

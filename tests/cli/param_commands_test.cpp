@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "cli/cli.h"
+#include "cli_harness.h"
 #include "link/sim_transport.h"
 #include "params/device_params.h"
 
@@ -19,11 +20,7 @@ class ParamCommandsTest : public ::testing::Test {
   ParamCommandsTest() {
     hooks_.makeLine = [this](const link::PortSpec&) {
       ++linesMade_;
-      link::Line line;
-      line.clock = std::make_unique<link::VirtualClock>();
-      line.simulator = simulator_;
-      line.transport = std::make_unique<link::SimTransport>(simulator_, *line.clock, "sim");
-      return line;
+      return LineOn(simulator_);
     };
   }
 

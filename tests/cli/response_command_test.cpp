@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "cli/cli.h"
+#include "cli_harness.h"
 #include "link/sim_transport.h"
 
 namespace talvex::cli {
@@ -22,13 +23,7 @@ struct Row {
 class ResponseCommandTest : public ::testing::Test {
  protected:
   ResponseCommandTest() {
-    hooks_.makeLine = [this](const link::PortSpec&) {
-      link::Line line;
-      line.clock = std::make_unique<link::VirtualClock>();
-      line.simulator = simulator_;
-      line.transport = std::make_unique<link::SimTransport>(simulator_, *line.clock, "sim");
-      return line;
-    };
+    hooks_.makeLine = [this](const link::PortSpec&) { return LineOn(simulator_); };
     fs::create_directories(dir_);
     fs::remove(file_);
   }

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "cli/cli.h"
+#include "cli_harness.h"
 #include "link/sim_transport.h"
 #include "params/senders.h"
 
@@ -19,13 +20,7 @@ namespace fs = std::filesystem;
 class Bench {
  public:
   explicit Bench(const std::vector<int>& ids) : simulator(std::make_shared<sim::SimLine>(ids)) {
-    hooks_.makeLine = [this](const link::PortSpec&) {
-      link::Line line;
-      line.clock = std::make_unique<link::VirtualClock>();
-      line.simulator = simulator;
-      line.transport = std::make_unique<link::SimTransport>(simulator, *line.clock, "sim");
-      return line;
-    };
+    hooks_.makeLine = [this](const link::PortSpec&) { return LineOn(simulator); };
     fs::create_directories(dir_);
   }
   ~Bench() { fs::remove_all(dir_); }

@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "cli/cli.h"
+#include "cli_harness.h"
 #include "link/sim_transport.h"
 #include "params/default_image.h"
 
@@ -18,13 +19,7 @@ constexpr int kConnectFrames = 2 + 15;
 class UtilityCommandsTest : public ::testing::Test {
  protected:
   UtilityCommandsTest() : simulator(std::make_shared<sim::SimLine>(std::vector<int>{1})) {
-    hooks_.makeLine = [this](const link::PortSpec&) {
-      link::Line line;
-      line.clock = std::make_unique<link::VirtualClock>();
-      line.simulator = simulator;
-      line.transport = std::make_unique<link::SimTransport>(simulator, *line.clock, "sim");
-      return line;
-    };
+    hooks_.makeLine = [this](const link::PortSpec&) { return LineOn(simulator); };
   }
 
   int Run(std::vector<std::string> args) {
