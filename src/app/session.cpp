@@ -312,18 +312,17 @@ void Session::SaveSpeakerRecords() const {
 
 // Called on the worker thread: the rest happens on the interface's thread.
 void Session::LinkFailed(const link::LinkFailure& failure) {
-  const link::LinkFailure copy = failure;
-  Post([this, copy] {
-    if (copy.kind == link::FailureKind::BlockTimeOut) {
-      dialogs_.ShowMessage(std::string(copy.title), std::string(copy.text), DialogIcon::Warning);
+  Post([this, failure] {  // title and text are the link's constants: the copy stays valid
+    dialogs_.ShowMessage(std::string(failure.title), std::string(failure.text),
+                         DialogIcon::Warning);
+    if (failure.kind == link::FailureKind::BlockTimeOut) {
       emit fatalTimeOut();
       return;
     }
-    dialogs_.ShowMessage(std::string(copy.title), std::string(copy.text), DialogIcon::Warning);
-    Device(copy.deviceId).disconnected = true;
-    rowState_[static_cast<std::size_t>(copy.deviceId)] = kLinkFailedRowName;
+    Device(failure.deviceId).disconnected = true;
+    rowState_[static_cast<std::size_t>(failure.deviceId)] = kLinkFailedRowName;
     emit rowsChanged();
-    emit deviceLost(copy.deviceId);
+    emit deviceLost(failure.deviceId);
   });
 }
 
