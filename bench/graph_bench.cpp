@@ -16,7 +16,7 @@ ResponseSettings BusySettings() {
   ResponseSettings settings;
   for (int channel = 0; channel < kChannelCount; ++channel) {
     const int first = FirstBandOfChannel(channel);
-    const int count = BandCountOfChannel(channel);
+    const int count = BandsOf(channel);
     for (int k = 0; k < count; ++k) {
       const int step = 10 + (7 * (first + k)) % 41;  // -10 .. +10 dB, never 0 dB
       BandSettings& band = settings.bands[static_cast<std::size_t>(first + k)];

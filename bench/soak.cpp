@@ -1,9 +1,9 @@
 // The fault soak: a show's worth of parameter edits to a simulated processor on a bad line, on
 // a virtual clock so that hours of waiting cost seconds.
 //
-// Every kind of parameter edit goes through its sender (params::SetParam, the one road the
-// editor and talvexctl take) and out with Link::SendCommand, with failures reported as the
-// editor has them (ReportLinkErrors on). The line drops 5 % of the frames in each direction,
+// Every kind of parameter edit goes through its sender (the one edit path the editor and
+// talvexctl take, here by talvexctl's words) and out with Link::SendCommand, with failures reported
+// as the editor has them (ReportLinkErrors on). The line drops 5 % of the frames in each direction,
 // corrupts one byte of 1 % of the replies and delays every reply by up to 4 s. After a final
 // failure the program has closed the device; the soak then does what the user does: connect
 // again, which reads the device's live image.
@@ -19,9 +19,9 @@
 #include <random>
 #include <string>
 
+#include "cli/param_words.h"
 #include "link/link.h"
 #include "link/sim_transport.h"
-#include "params/param_names.h"
 #include "presets/live_image.h"
 #include "sim/sim_line.h"
 
@@ -93,6 +93,13 @@ class ValueMaker {
         return Number(100, 500, 0);
       case ParamKind::Name:
         return Name();
+      case ParamKind::EqBypass:
+      case ParamKind::OutputLink:
+        return Pick({"on", "off"});
+      case ParamKind::DelayUnit:
+        return Pick({"ms", "m"});
+      case ParamKind::Temperature:
+        return Number(-25, 55, 1);
     }
     return {};
   }
@@ -190,21 +197,24 @@ int main(int argc, char** argv) {
   ValueMaker values(seed + 1);
   while (figures.edits < edits) {
     const params::ParamRef& ref = values.AnyParam(all);
-    const params::SetOutcome outcome = params::SetParam(device, ref, values.For(ref));
+    const cli::SetOutcome outcome = cli::SetParam(device, ref, values.For(ref));
     if (!outcome.Ok()) {
-      std::fprintf(stderr, "%s refused a value: %s\n", params::ParamName(ref).c_str(),
+      std::fprintf(stderr, "%s refused a value: %s\n", cli::ParamName(ref).c_str(),
                    outcome.badChoice.c_str());
       return 1;
     }
     ++figures.edits;
-    const link::Clock::TimePoint start = clock.Now();
-    const link::SendResult result = link.SendCommand(kDeviceId, outcome.edit.command);
-    figures.longestSend = std::max(figures.longestSend, clock.Now() - start);
-    if (result == link::SendResult::Failed) {
+    // One command, or one per member of a link group (a temperature sends every delay again).
+    for (const params::ParamEdit& edit : outcome.edit.edits) {
+      const link::Clock::TimePoint start = clock.Now();
+      const link::SendResult result = link.SendCommand(kDeviceId, edit.command);
+      figures.longestSend = std::max(figures.longestSend, clock.Now() - start);
+      if (result != link::SendResult::Failed) continue;
       ++figures.failedEdits;
       ++figures.finalFailures;
       ++figures.reconnects;
       device = Connect(link, figures);
+      break;
     }
   }
 

@@ -11,9 +11,9 @@
 #include <algorithm>
 #include <fstream>
 
+#include "cli/param_words.h"
 #include "fuzz/fuzz_support.h"
 #include "graph/image_settings.h"
-#include "params/param_names.h"
 #include "presets/preset_file.h"
 #include "presets/preset_load.h"
 #include "sim/sim_device.h"
@@ -35,7 +35,7 @@ void WriteFile(const std::filesystem::path& path, const std::uint8_t* bytes, std
 
 void ReadEveryParam(const params::ParamImage& record) {
   for (const params::ParamRef& ref : params::AllParams())
-    if (params::StorageOf(ref) != params::Storage::NotStored) (void)params::GetParam(record, ref);
+    if (params::StorageOf(ref) != params::Storage::NotStored) (void)cli::GetParam(record, ref);
 }
 
 }  // namespace

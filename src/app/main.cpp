@@ -57,7 +57,7 @@ int main(int argc, char* argv[]) {
   const Options options = ParseOptions(app);
   // The decimal mark is decided once, at start-up, and read for the rest of the run (the editor
   // writes and reads values with it).
-  const int commaDecimal = config::DetectCommaDecimal();
+  const params::DecimalMark mark = params::DecimalMarkOf(config::DetectCommaDecimal());
 
   editor::QtUserDialogs dialogs;
   app::SelectWindow select(app::AvailablePorts(options.port), options.configFolder, dialogs,
@@ -68,7 +68,7 @@ int main(int argc, char* argv[]) {
   QObject::connect(&select, &QDialog::accepted, &app, [&] {
     const app::StartupChoice choice = select.Choice();
     auto session = std::make_unique<app::Session>(link::MakeLine(link::ParsePortSpec(choice.port)),
-                                                  dialogs, options.configFolder, commaDecimal);
+                                                  dialogs, options.configFolder, mark);
     main = std::make_unique<app::MainWindow>(std::move(session), dialogs);
     dialogs.SetParent(main.get());
     QObject::connect(main.get(), &app::MainWindow::quitRequested, &app,

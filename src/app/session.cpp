@@ -34,13 +34,13 @@ presets::LiveRead ReadUngarbled(link::Link& link, int deviceId, params::ParamIma
 }  // namespace
 
 Session::Session(link::Line line, UserDialogs& dialogs, std::filesystem::path configFolder,
-                 int commaDecimal, QObject* parent)
+                 params::DecimalMark mark, QObject* parent)
     : QObject(parent),
       line_(std::move(line)),
       link_(*line_.transport, *line_.clock),
       dialogs_(dialogs),
       configFolder_(std::move(configFolder)),
-      commaDecimal_(commaDecimal) {
+      mark_(mark) {
   link::LinkObserver* observer = this;
   worker_ = std::make_unique<link::LinkWorker>(link_, observer);
   worker_->OnJobError([this](int deviceId, const std::string& what) {

@@ -19,6 +19,7 @@
 #include "link/line.h"
 #include "link/link.h"
 #include "link/link_worker.h"
+#include "params/decimal_mark.h"
 #include "params/device_params.h"
 #include "presets/device_state.h"
 
@@ -68,16 +69,16 @@ class Session : public QObject, private link::LinkObserver {
   Q_OBJECT
 
  public:
-  // `commaDecimal` is the locale's decimal mark, decided once at the splash (1 = comma).
+  // `mark` is the locale's decimal mark, decided once at the splash.
   Session(link::Line line, UserDialogs& dialogs, std::filesystem::path configFolder,
-          int commaDecimal = 0, QObject* parent = nullptr);
+          params::DecimalMark mark = params::DecimalMark::Point, QObject* parent = nullptr);
   ~Session() override;
 
   // Opens the port and finds the devices, or offers demo mode. Ends with startupFinished().
   void Start(const StartupChoice& choice);
 
   bool DemoMode() const { return demoMode_; }
-  int CommaDecimal() const { return commaDecimal_; }
+  params::DecimalMark Mark() const { return mark_; }
   bool Closing() const { return closing_; }
   const std::vector<int>& ListedIds() const { return listedIds_; }
   const DeviceEntry& Device(int deviceId) const;
@@ -155,7 +156,7 @@ class Session : public QObject, private link::LinkObserver {
   std::array<DeviceEntry, kDeviceCount> devices_{};
   std::vector<int> listedIds_;
   std::array<const char*, kDeviceCount> rowState_{};  // replaces the name in the row when set
-  int commaDecimal_ = 0;
+  params::DecimalMark mark_ = params::DecimalMark::Point;
   bool demoMode_ = false;
   bool closing_ = false;
   std::atomic<int> outstanding_{0};  // released on the worker thread when a job is dropped

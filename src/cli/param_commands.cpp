@@ -5,7 +5,8 @@
 
 #include "cli/commands.h"
 #include "cli/connection.h"
-#include "params/param_names.h"
+#include "cli/param_words.h"
+#include "params/captions.h"
 #include "presets/live_image.h"
 #include "presets/preset_file.h"
 
@@ -13,15 +14,12 @@ namespace talvex::cli {
 
 namespace {
 
-using params::ParamRef;
-using params::ShownValue;
-
 bool Offline(const CliContext& context) {
   return context.Options().file.has_value();
 }
 
 ParamRef ParamArg(const std::string& name) {
-  const std::optional<ParamRef> ref = params::ParseParamName(name);
+  const std::optional<ParamRef> ref = ParseParamName(name);
   if (!ref) throw UsageError("unknown parameter \"" + name + "\" (the valid forms follow)");
   return *ref;
 }
@@ -48,13 +46,13 @@ void Print(CliContext& context, const std::vector<std::pair<ParamRef, ShownValue
   std::ostream& out = context.Out();
   if (!context.Options().json) {
     for (const auto& [ref, value] : values)
-      out << params::ParamName(ref) << " = " << value.text << '\n';
+      out << ParamName(ref) << " = " << value.text << '\n';
     return;
   }
   out << '{';
   const char* separator = "";
   for (const auto& [ref, value] : values) {
-    out << separator << JsonString(params::ParamName(ref)) << ": " << JsonValue(value);
+    out << separator << JsonString(ParamName(ref)) << ": " << JsonValue(value);
     separator = ", ";
   }
   out << "}\n";
@@ -67,7 +65,7 @@ int Get(CliContext& context) {
     one = ParamArg(context.Args()[0]);
     if (!Readable(context, *one)) {
       const bool kept = params::StorageOf(*one) == params::Storage::Record;
-      throw CommandFailed(params::ParamName(*one) +
+      throw CommandFailed(ParamName(*one) +
                           (kept ? " is not part of a device's image: read it from a preset file"
                                 : " is kept in no image: it can be set but not read back"));
     }
@@ -75,14 +73,14 @@ int Get(CliContext& context) {
   const params::ParamImage record = LoadRecord(context);
   std::vector<std::pair<ParamRef, ShownValue>> values;
   for (const ParamRef& ref : one ? std::vector<ParamRef>{*one} : params::AllParams())
-    if (Readable(context, ref)) values.emplace_back(ref, params::GetParam(record, ref));
+    if (Readable(context, ref)) values.emplace_back(ref, GetParam(record, ref));
   Print(context, values);
   return kExitOk;
 }
 
 // True when the parameter does not take the value: the system's message went to stderr (the
 // caller exits 2); a word that is not one of the parameter's is a UsageError.
-bool RefusesValue(CliContext& context, const params::SetOutcome& outcome) {
+bool RefusesValue(CliContext& context, const SetOutcome& outcome) {
   if (!outcome.badChoice.empty()) throw UsageError(outcome.badChoice);
   if (outcome.badText.empty()) return false;
   context.Err() << outcome.badText << '\n';
@@ -95,30 +93,25 @@ int Set(CliContext& context) {
   // Whether the text is a value of the parameter does not depend on the record: it is tried on
   // a factory record first, so that a bad value reads nothing from the device or the file.
   params::DeviceParams trial = params::DeviceParams::FromDefault(0);
-  if (RefusesValue(context, params::SetParam(trial, ref, context.Args()[1]))) return kExitUsage;
+  if (RefusesValue(context, SetParam(trial, ref, context.Args()[1]))) return kExitUsage;
   params::DeviceParams device = params::DeviceParams::FromImage(LoadRecord(context));
-  const params::SetOutcome outcome = params::SetParam(device, ref, context.Args()[1]);
+  const SetOutcome outcome = SetParam(device, ref, context.Args()[1]);
   if (RefusesValue(context, outcome)) return kExitUsage;
   if (Offline(context)) {
     const std::string error = presets::WritePresetFile(*context.Options().file, device.image);
     if (!error.empty()) throw CommandFailed(error);
-  } else if (context.Link().SendCommand(context.Options().id, outcome.edit.command) ==
-             link::SendResult::Failed) {
-    throw CommandFailed("the device did not take the command", true);
+  } else {
+    for (const params::ParamEdit& edit : outcome.edit.edits)
+      if (context.Link().SendCommand(context.Options().id, edit.command) ==
+          link::SendResult::Failed)
+        throw CommandFailed("the device did not take the command", true);
   }
   Print(context, {{ref, outcome.shown}});
   return kExitOk;
 }
 
 int SystemTypeArg(const std::string& text) {
-  if (const auto index = ParseInt(text, 0, params::kSystemTypeCount - 1)) return *index;
-  for (std::size_t type = 0; type < params::SystemTypeNames.size(); ++type) {
-    const QString name =
-        QString::fromUtf8(params::SystemTypeNames[type].data(),
-                          static_cast<qsizetype>(params::SystemTypeNames[type].size()));
-    if (name.compare(QString::fromStdString(text), Qt::CaseInsensitive) == 0)
-      return static_cast<int>(type);
-  }
+  if (const auto type = ParseSystemType(text)) return *type;
   throw UsageError("\"" + text +
                    "\" is not a system type: 0 \"2x2 WAY XOVER + SUB\", 1 \"2x3 WAY XOVER\", "
                    "2 \"6 WAY XOVER\"");
@@ -133,7 +126,7 @@ int New(CliContext& context) {
     throw CommandFailed(path + " exists: new never overwrites a preset file");
   const std::string error = presets::WritePresetFile(path, params::DefaultRecord(type));
   if (!error.empty()) throw CommandFailed(error);
-  context.Out() << path << ": " << params::SystemTypeNames[static_cast<std::size_t>(type)] << '\n';
+  context.Out() << path << ": " << params::SystemTypeName(type) << '\n';
   return kExitOk;
 }
 
@@ -166,7 +159,7 @@ std::string ParamUsage() {
          "  Mutes and input polarities are kept in no image: set sends them, get leaves them\n"
          "  out. input.source is not in a device's image and is read from a --file only.\n"
          "  A VALUE that is not a number is refused with the system's message (exit 2).\n" +
-         params::ParamNameForms();
+         ParamNameForms();
 }
 
 }  // namespace talvex::cli

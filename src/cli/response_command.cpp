@@ -7,15 +7,13 @@
 #include <string_view>
 
 #include "cli/commands.h"
+#include "cli/param_words.h"
 #include "graph/image_settings.h"
 #include "graph/response_tables.h"
 
 namespace talvex::cli {
 
 namespace {
-
-constexpr std::array<std::string_view, graph::kChannelCount> kChannelNames = {
-    "inA", "inB", "out1", "out2", "out3", "out4", "out5", "out6"};
 
 struct ResponseArgs {
   int channel = -1;
@@ -34,8 +32,7 @@ ResponseArgs ParseArgs(const std::vector<std::string>& args) {
       parsed.part = value;
       continue;
     }
-    for (std::size_t c = 0; c < kChannelNames.size(); ++c)
-      if (value == kChannelNames[c]) parsed.channel = static_cast<int>(c);
+    parsed.channel = ParseChannelWord(value).value_or(-1);
     if (parsed.channel < 0)
       throw UsageError("--channel \"" + value + "\" is not inA, inB or out1..out6");
   }
@@ -57,12 +54,12 @@ Curves Select(const graph::ResponseTables& tables, int channel, const std::strin
     const int slot = graph::ResponseSlotOfBox(2 * (channel - 2) + (part == "lp" ? 1 : 0));
     return {&tables.CrossoverMagnitude(slot), tables.CrossoverPhase(slot)};
   }
-  const int bands = graph::BandCountOfChannel(channel);
+  const int bands = graph::BandsOf(channel);
   if (part.size() == 3 && part.starts_with("eq") && part[2] >= '1' && part[2] < '1' + bands) {
     const int band = graph::FirstBandOfChannel(channel) + (part[2] - '1');
     return {&tables.BandMagnitude(band), tables.BandPhase(band)};
   }
-  const std::string channelName(kChannelNames[static_cast<std::size_t>(channel)]);
+  const std::string channelName(ChannelWord(channel));
   throw UsageError("--part \"" + part + "\" is not a part of " + channelName + ": eq1..eq" +
                    std::to_string(bands) + (output ? ", hp, lp" : "") + " or delay");
 }

@@ -6,6 +6,7 @@
 #include "cli/commands.h"
 #include "cli/connection.h"
 #include "link/device_name.h"
+#include "params/captions.h"
 #include "params/value_tables.h"
 #include "presets/device_state.h"
 #include "presets/live_image.h"
@@ -14,11 +15,6 @@
 namespace talvex::cli {
 
 namespace {
-
-std::string_view TypeName(int systemType) {
-  if (systemType < 0 || systemType >= params::kSystemTypeCount) return "unknown";
-  return params::SystemTypeNames[static_cast<std::size_t>(systemType)];
-}
 
 std::string PresetName(const params::ParamImage& image) {
   const auto first = image.begin() + params::kPresetNameByte;
@@ -31,7 +27,7 @@ void PrintState(CliContext& context, const params::DeviceParams& device,
   const int type = device.image[params::kSystemTypeByte];
   const std::string preset = ShownName(PresetName(device.image));
   if (context.Options().json) {
-    out << "{\"type\": " << type << ", \"typeName\": " << JsonString(std::string(TypeName(type)))
+    out << "{\"type\": " << type << ", \"typeName\": " << JsonString(params::SystemTypeText(type))
         << ", \"locked\": " << (state.Locked() ? "true" : "false")
         << ", \"preset\": " << JsonString(preset) << ", \"slots\": [";
     for (int slot = 0; slot < params::kSlotCount; ++slot)
@@ -40,7 +36,7 @@ void PrintState(CliContext& context, const params::DeviceParams& device,
     out << "]}\n";
     return;
   }
-  out << "type " << type << "  " << TypeName(type) << '\n'
+  out << "type " << type << "  " << params::SystemTypeText(type) << '\n'
       << "lock " << (state.Locked() ? "locked" : "unlocked") << '\n'
       << "preset " << preset << '\n';
   for (int slot = 0; slot < params::kSlotCount; ++slot) {
@@ -92,7 +88,8 @@ int Pull(CliContext& context) {
   ReadState(context, device);
   const std::string error = presets::SavePresetFile(path, device);
   if (!error.empty()) throw CommandFailed(error);
-  context.Out() << path << ": " << TypeName(device.image[params::kSystemTypeByte]) << '\n';
+  context.Out() << path << ": " << params::SystemTypeText(device.image[params::kSystemTypeByte])
+                << '\n';
   return kExitOk;
 }
 
@@ -144,8 +141,8 @@ int Push(CliContext& context) {
                             std::to_string(loaded.transfer.steps.size()) + " commands",
                         false);
   }
-  context.Out() << presets::LoadedFromPcCaption(id, std::filesystem::path(path).filename().string(),
-                                                device.image[params::kSystemTypeByte])
+  context.Out() << params::LoadedFromPcCaption(id, std::filesystem::path(path).filename().string(),
+                                               device.image[params::kSystemTypeByte])
                 << '\n';
   return kExitOk;
 }

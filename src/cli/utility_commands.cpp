@@ -8,6 +8,8 @@
 
 #include "cli/commands.h"
 #include "cli/connection.h"
+#include "cli/param_words.h"
+#include "params/captions.h"
 #include "params/value_tables.h"
 #include "presets/channel_copy.h"
 #include "presets/channel_names.h"
@@ -53,32 +55,9 @@ void RequireSent(ListEnd end, int written, std::size_t total, std::string_view w
                         std::to_string(total) + " commands: the device stopped answering");
 }
 
-std::string Folded(std::string_view text) {
-  std::string folded(text);
-  std::transform(folded.begin(), folded.end(), folded.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return folded;
-}
-
-// inA, inB, out1 .. out6 (any case) -> ChannelIndex.
 int ChannelArg(const std::string& text) {
-  static constexpr std::array<std::string_view, params::kChannelCount> kNames = {
-      "ina", "inb", "out1", "out2", "out3", "out4", "out5", "out6"};
-  const auto at = std::find(kNames.begin(), kNames.end(), Folded(text));
-  if (at == kNames.end())
-    throw UsageError("\"" + text + "\" is not a channel (inA, inB, out1 .. out6)");
-  return static_cast<int>(at - kNames.begin());
-}
-
-std::string ChannelWord(int channel) {
-  return channel < params::kInputCount ? std::string(channel == 0 ? "inA" : "inB")
-                                       : "out" + std::to_string(channel - 1);
-}
-
-std::string Trimmed(std::string_view text) {
-  const auto first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  return std::string(text.substr(first, text.find_last_not_of(' ') - first + 1));
+  if (const auto channel = ParseChannelWord(text)) return *channel;
+  throw UsageError("\"" + text + "\" is not a channel (inA, inB, out1 .. out6)");
 }
 
 std::string SlotLine(const presets::DeviceState& state, int slot) {
@@ -144,7 +123,7 @@ int Recall(CliContext& context) {
     throw CommandFailed("the preset could not be read", context.LinkFailedOnce());
   presets::PresetView view;
   presets::ApplyDevicePreset(connected.device, preset, view);
-  context.Out() << presets::LoadedFromDeviceCaption(
+  context.Out() << params::LoadedFromDeviceCaption(
                        id, connected.state.slotNames[static_cast<std::size_t>(slot)],
                        connected.device.image[params::kSystemTypeByte])
                 << '\n';
@@ -152,9 +131,7 @@ int Recall(CliContext& context) {
 }
 
 int TypeArg(const std::string& text) {
-  if (const auto number = ParseInt(text, 0, params::kSystemTypeCount - 1)) return *number;
-  for (std::size_t type = 0; type < params::SystemTypeNames.size(); ++type)
-    if (Folded(text) == Folded(params::SystemTypeNames[type])) return static_cast<int>(type);
+  if (const auto type = ParseSystemType(text)) return *type;
   throw UsageError("\"" + text + "\" is not a system type (0, 1, 2 or its name)");
 }
 
@@ -166,7 +143,7 @@ int Type(CliContext& context) {
   params::DeviceParams& device = connected.device;
   const int current = device.image[params::kSystemTypeByte];
   if (!wanted || !presets::TypeChangeNeeded(device, *wanted)) {
-    context.Out() << current << "  " << presets::SystemTypeName(current) << '\n';
+    context.Out() << current << "  " << params::SystemTypeName(current) << '\n';
     return kExitOk;
   }
   RefuseIfLocked(context, connected.state);
@@ -177,7 +154,7 @@ int Type(CliContext& context) {
   presets::PresetState presetState;
   presets::PresetView view;
   presets::ApplyFactoryImage(device, presetState, view);
-  context.Out() << presets::DefaultLoadedCaption(id, *wanted) << '\n';
+  context.Out() << params::DefaultLoadedCaption(id, *wanted) << '\n';
   return kExitOk;
 }
 

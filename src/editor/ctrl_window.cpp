@@ -5,21 +5,10 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "params/captions.h"
 #include "params/image_decode.h"
-#include "params/value_tables.h"
 
 namespace talvex::editor {
-
-std::string SystemTypeText(int systemTypeByte) {
-  const bool known =
-      systemTypeByte >= 0 && systemTypeByte < static_cast<int>(params::SystemTypeNames.size());
-  return known ? std::string(params::SystemTypeNames[static_cast<std::size_t>(systemTypeByte)])
-               : std::to_string(systemTypeByte);
-}
-
-std::string EditorCaption(int deviceId, int systemTypeByte) {
-  return "ID:" + std::to_string(deviceId) + " - Type: " + SystemTypeText(systemTypeByte);
-}
 
 CtrlWindow::CtrlWindow(int deviceId, int slot, std::function<bool()> mayClose, QWidget* parent)
     : QWidget(parent),
@@ -41,10 +30,12 @@ CtrlWindow::CtrlWindow(int deviceId, int slot, std::function<bool()> mayClose, Q
 
 void CtrlWindow::ShowDevice(const std::string& name, const params::DeviceParams& device) {
   const int type = device.image[params::kSystemTypeByte];
-  setWindowTitle(QString::fromStdString(EditorCaption(deviceId_, type)));
-  while (summary_->rowCount() > 0) summary_->removeRow(0);
+  setWindowTitle(QString::fromStdString(params::EditorCaption(deviceId_, type)));
+  while (summary_->rowCount() > 0)
+    summary_->removeRow(0);
   summary_->addRow("Name:", new QLabel(QString::fromStdString(name)));
-  summary_->addRow("System type:", new QLabel(QString::fromStdString(SystemTypeText(type))));
+  summary_->addRow("System type:",
+                   new QLabel(QString::fromStdString(params::SystemTypeText(type))));
   for (int channel = 2; channel < params::kChannelCount; ++channel) {
     summary_->addRow(QString("Out %1:").arg(channel - 1),
                      new QLabel(QString::fromStdString(params::OutputName(device.image, channel))));

@@ -14,11 +14,6 @@ namespace talvex::editor {
 
 inline constexpr const char* kDisconnectAction = "Disconnect device";
 
-// The name of a system type byte; a byte the device should never send is shown as a number.
-std::string SystemTypeText(int systemTypeByte);
-// "ID:3 - Type: 2x3 WAY XOVER".
-std::string EditorCaption(int deviceId, int systemTypeByte);
-
 class CtrlWindow : public QWidget {
   Q_OBJECT
 

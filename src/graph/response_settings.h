@@ -5,16 +5,20 @@
 #include <array>
 #include <cstdint>
 
+#include "params/image_layout.h"
+#include "params/value_rules.h"
+
 namespace talvex::graph {
 
-inline constexpr int kBandCount = 52;
-inline constexpr int kCrossoverFilterCount = 12;
-inline constexpr int kChannelCount = 8;
-inline constexpr int kOutputCount = 6;
-inline constexpr int kWidthCount = 64;     // width index 0..63
-inline constexpr int kShelfCodeCount = 4;  // width index 0..3 is a shelf of that code
-inline constexpr int kGainStepMax = 60;    // gain byte 0..60
-inline constexpr int kCrossoverTypeCount = 9;
+// The channel and band layout is the parameter model's.
+using params::kBandCount;
+using params::kChannelCount;
+using params::kOutputCount;
+inline constexpr int kCrossoverFilterCount = params::kCrossoverCount;
+inline constexpr int kWidthCount = static_cast<int>(params::QTextTablePoint.size());  // 0..63
+inline constexpr int kShelfCodeCount = params::kFirstBellWidth;  // width 0..3 is a shelf
+inline constexpr int kGainStepMax = 60;                          // gain byte 0..60
+inline constexpr int kCrossoverTypeCount = static_cast<int>(params::CrossoverTypeNames.size());
 
 struct BandSettings {
   double gainDb = 0.0;          // band gain; the device's grid is gainStep / 2 - 15
@@ -76,9 +80,11 @@ inline constexpr int ChannelOfSlot(int slot) {
 }
 
 // ChannelIndex of band b (0..4 In A, 5..9 In B, then seven bands per output), its first band
-// and its band count. Throw IndexError outside the ranges.
-int ChannelOfBand(int band);
-int FirstBandOfChannel(int channel);
-int BandCountOfChannel(int channel);
+// and its band count: the parameter model's numbering. IndexError outside the ranges.
+using params::ChannelOfBand;
+inline int FirstBandOfChannel(int channel) {
+  return params::GlobalBand(channel, 0);
+}
+using params::BandsOf;
 
 }  // namespace talvex::graph

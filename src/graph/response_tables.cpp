@@ -42,21 +42,6 @@ int BoxOfResponseSlot(int slot) {
   return slot ^ 1;
 }
 
-int ChannelOfBand(int band) {
-  CheckIndex(band, kMaxBand, "band");
-  return band < 10 ? band / 5 : 2 + (band - 10) / 7;
-}
-
-int FirstBandOfChannel(int channel) {
-  CheckIndex(channel, kMaxChannel, "channel");
-  return channel < 2 ? 5 * channel : 10 + 7 * (channel - 2);
-}
-
-int BandCountOfChannel(int channel) {
-  CheckIndex(channel, kMaxChannel, "channel");
-  return channel < 2 ? 5 : 7;
-}
-
 void ResponseTables::ComputeEqBandResponse(const ResponseSettings& settings, int band) {
   FillBand(settings, band);
   ComputeChannelSums(settings, ChannelOfBand(band));
@@ -168,7 +153,7 @@ void ResponseTables::SumChannel(const ResponseSettings& settings, int channel) {
     }
   };
   const int first = FirstBandOfChannel(channel);
-  for (int band = first; band < first + BandCountOfChannel(channel); ++band)
+  for (int band = first; band < first + BandsOf(channel); ++band)
     add(bandMagnitude_[static_cast<std::size_t>(band)], bandPhase_[static_cast<std::size_t>(band)]);
   if (channel >= 2) {
     const int lowPass = 2 * (channel - 2);

@@ -61,18 +61,18 @@ std::string_view EqCaption(const ParamImage& image, int channel) {
   return kEqFlatCaption;
 }
 
-std::string CrossoverLabel(const ParamImage& image, int channel, bool commaDecimal) {
+std::string CrossoverLabel(const ParamImage& image, int channel, DecimalMark mark) {
   CheckOutput(channel);
   const int highPass = 2 * (channel - kInputCount);
   const auto part = [&](int filter) {
-    return FormatNumber(CrossoverFrequency(image, filter), 1, commaDecimal) + " Hz, " +
+    return FormatNumber(CrossoverFrequency(image, filter), 1, mark) + " Hz, " +
            std::string(CrossoverTypeNames[Index(CrossoverType(image, filter))]);
   };
   return "HP: " + part(highPass) + " -- LP: " + part(highPass + 1);
 }
 
 std::string Senders::Number(double value, int decimals) const {
-  return FormatNumber(value, decimals, commaDecimal_);
+  return FormatNumber(value, decimals, mark_);
 }
 
 ParamEdit Senders::ChannelCommand(std::uint8_t commandCode, int channel) const {
@@ -226,17 +226,20 @@ ParamEdit Senders::DelayUnit(int unit) {
 }
 
 ParamEdit Senders::Limiter(int channel, int level) {
-  const std::uint8_t byte = LimiterByte(channel, level);
-  device_.image[LimiterOffset[Index(channel)]] = byte;
+  const std::uint8_t frameByte = LimiterFrameByte(channel, level);
+  device_.image[LimiterOffset[Index(channel)]] = static_cast<std::uint8_t>(level);
   ParamEdit edit;
   edit.command.code = code::kLimiter;
-  edit.command.p(1) = device_.image[LimiterOffset[Index(channel)]];
+  edit.command.p(1) = frameByte;
   edit.labels.push_back(std::string(kLimitLabel) + std::string(LimiterLevelTexts[Index(level)]));
   return edit;
 }
 
+// The record keeps the switch beside the value (byte 328, where the state read puts the
+// device's own), so a preset file holds the switch last set.
 ParamEdit Senders::OutputLink(bool on) {
   device_.values.Switch() = on ? 1 : 0;
+  device_.image[kOutputLinkByte] = on ? 1 : 0;
   ParamEdit edit;
   edit.command.code = code::kSwitch;
   edit.command.p(1) = static_cast<std::uint8_t>(device_.values.Switch());
@@ -260,7 +263,7 @@ ParamEdit Senders::EqBand(int band, EqBandSetting setting) {
   edit.command.p(7) = device_.image[first + 1];
   edit.command.p(8) = device_.image[first + 2];
   edit.labels.push_back(Number(ByteToFrequency(device_.image[first]), 1));
-  edit.labels.emplace_back(QTextTable(commaDecimal_)[Index(setting.width)]);
+  edit.labels.emplace_back(QTextTable(mark_)[Index(setting.width)]);
   edit.labels.push_back(Number(gain / 2.0 - 15, 1));
   edit.labels.emplace_back(EqCaption(device_.image, channel));
   return edit;
@@ -279,7 +282,7 @@ ParamEdit Senders::Crossover(int filter, double frequencyHz, int type) {
   edit.command.p(7) = device_.image[offset];
   edit.command.p(8) = device_.image[offset + 1];
   edit.labels.push_back(Number(ByteToFrequency(device_.image[offset]), 1));
-  edit.labels.push_back(CrossoverLabel(device_.image, channel, commaDecimal_));
+  edit.labels.push_back(CrossoverLabel(device_.image, channel, mark_));
   return edit;
 }
 

@@ -36,15 +36,16 @@ std::string FitName(std::string_view name);
 std::string_view EqCaption(const ParamImage& image, int channel);
 
 // "HP: 20 Hz,   No cut-off -- LP: 20000 Hz,   No cut-off" for output channel 2..7.
-std::string CrossoverLabel(const ParamImage& image, int channel, bool commaDecimal = false);
+std::string CrossoverLabel(const ParamImage& image, int channel,
+                           DecimalMark mark = DecimalMark::Point);
 
 // Every method throws IndexError for a channel above 7, a band above 51, a filter above 11,
 // an output-only parameter asked of an input, or a value off its device range; nothing is
 // changed then.
 class Senders {
  public:
-  explicit Senders(DeviceParams& device, bool commaDecimal = false)
-      : device_(device), commaDecimal_(commaDecimal) {}
+  explicit Senders(DeviceParams& device, DecimalMark mark = DecimalMark::Point)
+      : device_(device), mark_(mark) {}
 
   // Code 13; source 0 = analogue, 1 = S/PDIF (image 321). Labels: In A's, In B's.
   ParamEdit InputSource(int source);
@@ -88,7 +89,7 @@ class Senders {
   std::string Number(double value, int decimals) const;
 
   DeviceParams& device_;
-  bool commaDecimal_;
+  DecimalMark mark_;
 };
 
 }  // namespace talvex::params

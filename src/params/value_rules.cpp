@@ -66,7 +66,7 @@ std::optional<double> ParseNumber(std::string_view text) {
   return value;
 }
 
-std::string FormatNumber(double value, int decimals, bool commaDecimal) {
+std::string FormatNumber(double value, int decimals, DecimalMark mark) {
   char buffer[64];
   std::snprintf(buffer, sizeof buffer, "%.*f", decimals, value);
   std::string text = buffer;
@@ -76,7 +76,7 @@ std::string FormatNumber(double value, int decimals, bool commaDecimal) {
     if (text.back() == '.') text.pop_back();
   }
   if (text == "-0") text = "0";
-  if (commaDecimal) std::replace(text.begin(), text.end(), '.', ',');
+  std::replace(text.begin(), text.end(), '.', MarkChar(mark));
   return text;
 }
 
@@ -181,8 +181,8 @@ double ValueAtPosition(const ValueRule& rule, int position) {
   return 0;
 }
 
-std::string FormatRuled(const ValueRule& rule, double value, bool commaDecimal) {
-  return FormatNumber(value, rule.decimals, commaDecimal);
+std::string FormatRuled(const ValueRule& rule, double value, DecimalMark mark) {
+  return FormatNumber(value, rule.decimals, mark);
 }
 
 DelaySteps DelaySteps::FromSamples(int samples) {

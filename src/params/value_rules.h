@@ -27,8 +27,8 @@ inline constexpr std::string_view kIncorrectFValue = "  Incorrect f value";
 std::optional<double> ParseNumber(std::string_view text);
 
 // `value` rounded to `decimals`, without trailing zeros ("6", "0.2", "-3.5", "20.6"), with
-// "," as the mark when `commaDecimal`.
-std::string FormatNumber(double value, int decimals, bool commaDecimal = false);
+// `mark` as the decimal mark.
+std::string FormatNumber(double value, int decimals, DecimalMark mark = DecimalMark::Point);
 
 // Index of the grid point lo + i / stepsPerUnit for `value`: scanning upward, the first point
 // not below it is taken when equal; otherwise the value goes to the lower neighbour when it
@@ -105,7 +105,7 @@ double ValueAtPosition(const ValueRule& rule, int position);
 // The number of positions of the rule's control minus one.
 int MaxPosition(const ValueRule& rule);
 // The value as the box shows it.
-std::string FormatRuled(const ValueRule& rule, double value, bool commaDecimal = false);
+std::string FormatRuled(const ValueRule& rule, double value, DecimalMark mark = DecimalMark::Point);
 
 // Delays. A delay is two step counts: coarse steps of 48 samples (1 ms at 48 kHz, taken as
 // 0.34 m) and fine steps of one sample (taken as 0.007 m). The device delays by

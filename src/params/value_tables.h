@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "params/decimal_mark.h"
+
 namespace talvex::params {
 
 inline constexpr std::array<std::string_view, 5> EqTypeNames = {
@@ -50,7 +52,7 @@ inline constexpr std::array<std::string_view, 52> SmallNumberList = {
 };
 
 // Width labels of an EQ band: 0..3 the shelves, 4..63 a bell of width 0.05 .. 3.00.
-// Two variants that differ only in the decimal mark; QTextTable(commaDecimal) picks one.
+// Two variants that differ only in the decimal mark; QTextTable(mark) picks one.
 inline constexpr std::array<std::string_view, 64> QTextTablePoint = {
     "-12 Hi-Sh", "-6 Hi-Sh", "-12 Lo-Sh", "-6 Lo-Sh", "0.05", "0.10", "0.15", "0.20",
     "0.25",      "0.30",     "0.35",      "0.40",     "0.45", "0.50", "0.55", "0.60",
@@ -72,8 +74,8 @@ inline constexpr std::array<std::string_view, 64> QTextTableComma = {
     "2,65",      "2,70",     "2,75",      "2,80",     "2,85", "2,90", "2,95", "3,00",
 };
 
-constexpr const std::array<std::string_view, 64>& QTextTable(bool commaDecimal) {
-  return commaDecimal ? QTextTableComma : QTextTablePoint;
+constexpr const std::array<std::string_view, 64>& QTextTable(DecimalMark mark) {
+  return mark == DecimalMark::Comma ? QTextTableComma : QTextTablePoint;
 }
 
 // Limiter attack times in ms by attack byte (output +2), the numbers of SmallNumberList.
@@ -118,6 +120,8 @@ inline constexpr std::array<std::string_view, 9> CrossoverTypeNames = {
 // Captions of the input labels (analogue inputs, or both inputs on S/PDIF), the mute button,
 // the polarity label and a channel's equaliser.
 inline constexpr std::array<std::string_view, 2> AnalogInputLabels = {"Input 1", "Input 2"};
+// The input type list of the editor: the source byte 0 (analogue) or 1 (S/PDIF).
+inline constexpr std::array<std::string_view, 2> InputTypeNames = {"Analog", "Digital"};
 inline constexpr std::string_view kSpdifInputLabel = " SPDIF ";
 inline constexpr std::string_view kMuteCaption = "Mute";      // shown while the channel plays
 inline constexpr std::string_view kUnmuteCaption = "Unmute";  // shown while it is muted

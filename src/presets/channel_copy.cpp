@@ -25,9 +25,9 @@ void CopyBands(params::Senders& senders, const params::ParamImage& image, int so
 }
 
 ChannelCopy CopyInput(params::DeviceParams& device, int source, int destination,
-                      bool commaDecimal) {
+                      params::DecimalMark mark) {
   params::DeviceParams work = device;
-  params::Senders senders(work, commaDecimal);
+  params::Senders senders(work, mark);
   const params::ParamImage& image = work.image;
   ChannelCopy copy{source, destination, {}};
   copy.edits.push_back(senders.Level(destination, params::LevelDb(image, source)));
@@ -49,20 +49,20 @@ std::optional<std::string_view> CheckCopy(int source, int destination) {
   return std::nullopt;
 }
 
-ChannelCopy CopyInputAToB(params::DeviceParams& device, bool commaDecimal) {
-  return CopyInput(device, 0, 1, commaDecimal);
+ChannelCopy CopyInputAToB(params::DeviceParams& device, params::DecimalMark mark) {
+  return CopyInput(device, 0, 1, mark);
 }
 
-ChannelCopy CopyInputBToA(params::DeviceParams& device, bool commaDecimal) {
-  return CopyInput(device, 1, 0, commaDecimal);
+ChannelCopy CopyInputBToA(params::DeviceParams& device, params::DecimalMark mark) {
+  return CopyInput(device, 1, 0, mark);
 }
 
 ChannelCopy CopyOutput(params::DeviceParams& device, int source, int destination,
-                       bool commaDecimal) {
+                       params::DecimalMark mark) {
   CheckIndex(source - kInputCount, params::kOutputCount - 1, "output channel");
   CheckIndex(destination - kInputCount, params::kOutputCount - 1, "output channel");
   params::DeviceParams work = device;
-  params::Senders senders(work, commaDecimal);
+  params::Senders senders(work, mark);
   const params::ParamImage& image = work.image;
   const int fromFilter = 2 * (source - kInputCount);
   const int toFilter = 2 * (destination - kInputCount);
@@ -88,10 +88,10 @@ ChannelCopy CopyOutput(params::DeviceParams& device, int source, int destination
 }
 
 ChannelCopy CopyChannel(params::DeviceParams& device, int source, int destination,
-                        bool commaDecimal) {
+                        params::DecimalMark mark) {
   if (CheckCopy(source, destination)) throw IndexError("a channel cannot be copied onto itself");
-  if (!IsInput(source)) return CopyOutput(device, source, destination, commaDecimal);
-  return source == 0 ? CopyInputAToB(device, commaDecimal) : CopyInputBToA(device, commaDecimal);
+  if (!IsInput(source)) return CopyOutput(device, source, destination, mark);
+  return source == 0 ? CopyInputAToB(device, mark) : CopyInputBToA(device, mark);
 }
 
 }  // namespace talvex::presets

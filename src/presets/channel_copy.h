@@ -38,8 +38,10 @@ struct ChannelCopy {
 // In A onto In B, and In B onto In A, in this order: level (code 1); the destination's bit of
 // byte 299 set as the source's (code 29, the whole byte); each of the five equaliser bands,
 // type, frequency, width and gain (code 5); delay (code 2). 8 commands.
-ChannelCopy CopyInputAToB(params::DeviceParams& device, bool commaDecimal = false);
-ChannelCopy CopyInputBToA(params::DeviceParams& device, bool commaDecimal = false);
+ChannelCopy CopyInputAToB(params::DeviceParams& device,
+                          params::DecimalMark mark = params::DecimalMark::Point);
+ChannelCopy CopyInputBToA(params::DeviceParams& device,
+                          params::DecimalMark mark = params::DecimalMark::Point);
 
 // Output `source` onto output `destination` (ChannelIndex 2..7), in this order:
 //   level (code 1);
@@ -53,12 +55,12 @@ ChannelCopy CopyInputBToA(params::DeviceParams& device, bool commaDecimal = fals
 //   polarity (code 3) and delay (code 2).
 // 18 commands. Output source, mute, name and the code-35 limiter level are not copied.
 ChannelCopy CopyOutput(params::DeviceParams& device, int source, int destination,
-                       bool commaDecimal = false);
+                       params::DecimalMark mark = params::DecimalMark::Point);
 
 // The copy the dialogs run for a checked pair: an input copy by its direction, else
 // CopyOutput. Every copy works on a copy of the stores first: a source byte that no sender
 // takes throws IndexError with `device` unchanged.
 ChannelCopy CopyChannel(params::DeviceParams& device, int source, int destination,
-                        bool commaDecimal = false);
+                        params::DecimalMark mark = params::DecimalMark::Point);
 
 }  // namespace talvex::presets

@@ -24,11 +24,6 @@ ListOutcome SendCommandList(link::Link& link, int deviceId,
   return outcome;
 }
 
-std::string_view SystemTypeName(int systemType) {
-  CheckIndex(systemType, params::kSystemTypeCount - 1, "system type");
-  return params::SystemTypeNames[static_cast<std::size_t>(systemType)];
-}
-
 std::vector<protocol::Command> CommandsOf(std::span<const params::ParamEdit> edits) {
   std::vector<protocol::Command> commands;
   commands.reserve(edits.size());

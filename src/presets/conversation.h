@@ -53,9 +53,6 @@ class RaisedFlag {
   bool before_;
 };
 
-// The name of system type 0..2 ("2x3 WAY XOVER"); IndexError for any other number.
-std::string_view SystemTypeName(int systemType);
-
 // The commands of a list of sender results, in order.
 std::vector<protocol::Command> CommandsOf(std::span<const params::ParamEdit> edits);
 

@@ -115,20 +115,15 @@ SlotRead ReadPresetSlot(link::Link& link, int deviceId, int slot, params::Preset
 }
 
 PresetTransfer ApplyDevicePreset(params::DeviceParams& device, const params::PresetImage& preset,
-                                 PresetView& view, bool commaDecimal) {
+                                 PresetView& view, params::DecimalMark mark) {
   const params::ParamImage before = device.image;
   std::copy(preset.begin(), preset.end(), device.image.begin());
   try {
-    return ApplyPreset(device, view, TransferFlags::DeviceRead(), commaDecimal);
+    return ApplyPreset(device, view, TransferFlags::DeviceRead(), mark);
   } catch (const IndexError&) {
     device.image = before;  // ApplyPreset left everything else as it was
     throw;
   }
-}
-
-std::string LoadedFromDeviceCaption(int deviceId, std::string_view slotName, int systemType) {
-  return "ID:" + std::to_string(deviceId) + " TALVEX - Last preset loaded: come from DEVICE - " +
-         std::string(slotName) + " - Type: " + std::string(SystemTypeName(systemType));
 }
 
 }  // namespace talvex::presets

@@ -105,10 +105,7 @@ SlotRead ReadPresetSlot(link::Link& link, int deviceId, int slot, params::Preset
 // runs the preset, so the returned transfer sends nothing). A byte no sender takes throws
 // IndexError with `device` unchanged.
 PresetTransfer ApplyDevicePreset(params::DeviceParams& device, const params::PresetImage& preset,
-                                 PresetView& view, bool commaDecimal = false);
-
-// "ID:3 TALVEX - Last preset loaded: come from DEVICE - Chorus live      - Type: 2x3 WAY XOVER":
-// the editor's caption after a read; `slotName` as the slot list holds it.
-std::string LoadedFromDeviceCaption(int deviceId, std::string_view slotName, int systemType);
+                                 PresetView& view,
+                                 params::DecimalMark mark = params::DecimalMark::Point);
 
 }  // namespace talvex::presets

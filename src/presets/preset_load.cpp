@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "params/captions.h"
 #include "params/value_tables.h"
 #include "presets/preset_file.h"
 
@@ -20,11 +21,6 @@ void TakeOver(const params::ParamImage& from, params::ParamImage& to) {
   std::copy(from.begin() + kTakenTailFirst, from.end(), to.begin() + kTakenTailFirst);
 }
 
-std::string_view TypeName(int systemType) {
-  CheckIndex(systemType, params::kSystemTypeCount - 1, "system type");
-  return params::SystemTypeNames[static_cast<std::size_t>(systemType)];
-}
-
 PresetLoadResult Ended(PresetLoad outcome, std::string error = {}) {
   PresetLoadResult result;
   result.outcome = outcome;
@@ -35,18 +31,13 @@ PresetLoadResult Ended(PresetLoad outcome, std::string error = {}) {
 }  // namespace
 
 std::string OtherTypeMessage(int systemType) {
-  return std::string(kOtherTypeText) + std::string(TypeName(systemType)) +
+  return std::string(kOtherTypeText) + std::string(params::SystemTypeName(systemType)) +
          std::string(kOtherTypeAdvice);
-}
-
-std::string LoadedFromPcCaption(int deviceId, std::string_view fileTitle, int systemType) {
-  return "ID:" + std::to_string(deviceId) + " TALVEX - Last preset loaded: come from PC - " +
-         std::string(fileTitle) + " - Type: " + std::string(TypeName(systemType));
 }
 
 PresetLoadResult LoadPresetFile(const std::string& path, ScratchRecord& scratch,
                                 params::DeviceParams& device, PresetState& state, PresetView& view,
-                                PresetReporter& reporter, bool commaDecimal) {
+                                PresetReporter& reporter, params::DecimalMark mark) {
   std::uintmax_t fileSize = 0;
   const auto bytes = ReadPresetBytes(path, fileSize);
   if (!bytes) return Ended(PresetLoad::Unreadable, path + ": cannot be read");
@@ -73,7 +64,7 @@ PresetLoadResult LoadPresetFile(const std::string& path, ScratchRecord& scratch,
   state = {};
   PresetLoadResult result;
   try {
-    result.transfer = ApplyPreset(device, view, TransferFlags::PresetFileLoad(), commaDecimal);
+    result.transfer = ApplyPreset(device, view, TransferFlags::PresetFileLoad(), mark);
   } catch (const IndexError& error) {
     device = before;
     state = stateBefore;

@@ -61,10 +61,6 @@ struct PresetLoadResult {
 // "The new preset is for 6 WAY XOVER, please change Xover-Type from System Setup button".
 std::string OtherTypeMessage(int systemType);
 
-// The editor's caption after a load: "ID:3 TALVEX - Last preset loaded: come from PC - show.tvx
-// - Type: 2x3 WAY XOVER".
-std::string LoadedFromPcCaption(int deviceId, std::string_view fileTitle, int systemType);
-
 // Loads the preset file at `path` into `device`, in the device's order:
 //   1. read up to 1155 bytes of the file into the scratch record;
 //   2. a file under 20 bytes is deleted, and that is all;
@@ -76,7 +72,8 @@ std::string LoadedFromPcCaption(int deviceId, std::string_view fileTitle, int sy
 // The caller sends the result's transfer (SendPresetTransfer) and sets the caption.
 PresetLoadResult LoadPresetFile(const std::string& path, ScratchRecord& scratch,
                                 params::DeviceParams& device, PresetState& state, PresetView& view,
-                                PresetReporter& reporter, bool commaDecimal = false);
+                                PresetReporter& reporter,
+                                params::DecimalMark mark = params::DecimalMark::Point);
 
 // Saves the device's whole 1155-byte record; nothing is sent. The file is replaced whole and
 // atomically (written beside it, flushed to the disk, renamed over it), so a crash or a full

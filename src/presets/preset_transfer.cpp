@@ -32,8 +32,8 @@ constexpr PresetStage StageAt(int number) {
 // Builds the command list stage by stage on a working copy of the device.
 class StageWalk {
  public:
-  StageWalk(params::DeviceParams& work, bool commaDecimal)
-      : work_(work), senders_(work, commaDecimal) {}
+  StageWalk(params::DeviceParams& work, params::DecimalMark mark)
+      : work_(work), senders_(work, mark) {}
 
   std::vector<PresetStep> Run() {
     Mutes(PresetStage::Mutes);
@@ -201,9 +201,9 @@ std::span<const PresetStep> PresetTransfer::StepsOf(PresetStage stage) const {
 }
 
 PresetTransfer ApplyPreset(params::DeviceParams& device, PresetView& view,
-                           const TransferFlags& flags, bool commaDecimal) {
+                           const TransferFlags& flags, params::DecimalMark mark) {
   params::DeviceParams work = device;
-  PresetTransfer transfer{flags, StageWalk(work, commaDecimal).Run()};
+  PresetTransfer transfer{flags, StageWalk(work, mark).Run()};
   device = work;
   RunViewHooks(transfer, view);
   return transfer;

@@ -109,7 +109,8 @@ class PresetView {
 // a delay beyond one second ...) throws IndexError with `device` unchanged and no hook called.
 // Then the copy replaces `device` and the view hooks run stage by stage.
 PresetTransfer ApplyPreset(params::DeviceParams& device, PresetView& view,
-                           const TransferFlags& flags, bool commaDecimal = false);
+                           const TransferFlags& flags,
+                           params::DecimalMark mark = params::DecimalMark::Point);
 
 enum class TransferEnd {
   Completed,  // every command was acknowledged

@@ -39,19 +39,13 @@ TypeSend SendSystemType(link::Link& link, int deviceId, const protocol::Command&
 }
 
 PresetTransfer ApplyFactoryImage(params::DeviceParams& device, PresetState& presetState,
-                                 PresetView& view, bool commaDecimal) {
+                                 PresetView& view, params::DecimalMark mark) {
   const int systemType = device.image[params::kSystemTypeByte];
   CheckIndex(systemType, params::kSystemTypeCount - 1, "system type");
   const params::PresetImage& factory = params::DefaultImage[static_cast<std::size_t>(systemType)];
   std::copy(factory.begin(), factory.end(), device.image.begin());
   presetState = {};
-  return ApplyPreset(device, view, TransferFlags::SystemTypeChange(), commaDecimal);
-}
-
-std::string DefaultLoadedCaption(int deviceId, int systemType) {
-  return "ID:" + std::to_string(deviceId) +
-         " TALVEX - Preset loaded from device: " + std::string(kDefaultPresetName) +
-         " - Type: " + std::string(SystemTypeName(systemType));
+  return ApplyPreset(device, view, TransferFlags::SystemTypeChange(), mark);
 }
 
 }  // namespace talvex::presets

@@ -18,8 +18,6 @@ namespace talvex::presets {
 
 inline constexpr std::string_view kSystemSetupTitle = "System Setup";
 inline constexpr std::string_view kChangeTypeText = "Change Xover Type, are you sure ? ";
-// The preset name the caption shows after a type change: the device runs its factory preset.
-inline constexpr std::string_view kDefaultPresetName = "Default";
 
 // False when `systemType` is the type in force (byte 298): then nothing is asked, changed or
 // sent. IndexError for a type above 2.
@@ -49,9 +47,7 @@ TypeSend SendSystemType(link::Link& link, int deviceId, const protocol::Command&
 // preset transfer runs with TransferFlags::SystemTypeChange() (controls and graph only; the
 // returned transfer sends nothing, the device switched by itself).
 PresetTransfer ApplyFactoryImage(params::DeviceParams& device, PresetState& presetState,
-                                 PresetView& view, bool commaDecimal = false);
-
-// "ID:3 TALVEX - Preset loaded from device: Default - Type: 6 WAY XOVER".
-std::string DefaultLoadedCaption(int deviceId, int systemType);
+                                 PresetView& view,
+                                 params::DecimalMark mark = params::DecimalMark::Point);
 
 }  // namespace talvex::presets

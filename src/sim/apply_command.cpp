@@ -64,12 +64,12 @@ void ApplyCrossover(DeviceState& state, const protocol::Command& command, int ch
   Put(state, params::CrossoverOffset[Index(filter)], command, 7, 2);
 }
 
-// The limiter byte names its channel in its high nibble.
-void ApplyLimiter(DeviceState& state, std::uint8_t byte) {
-  const int channel = params::LimiterChannelOfByte(byte);
-  if (!IsChannel(channel)) return;
-  if (params::LimiterLevelOfByte(byte) >= params::LimiterLevelCount(channel)) return;
-  state.live[params::LimiterOffset[Index(channel)]] = byte;
+// The frame's byte names the channel in its high nibble; the device keeps the level.
+void ApplyLimiter(DeviceState& state, std::uint8_t p1) {
+  const int channel = params::LimiterChannelOfFrameByte(p1);
+  const int level = params::LimiterLevelOfFrameByte(p1);
+  if (!IsChannel(channel) || level >= params::LimiterLevelCount(channel)) return;
+  state.live[params::LimiterOffset[Index(channel)]] = static_cast<std::uint8_t>(level);
 }
 
 void ApplyChannelCommand(DeviceState& state, const protocol::Command& command) {

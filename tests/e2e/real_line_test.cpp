@@ -127,10 +127,8 @@ TEST(RealLineTest, shouldPushAPresetThroughAPseudoTerminalAndPullTheSameBytesBac
   QTemporaryDir dir;
   const QString show = dir.filePath("show.tvx");
   const QString back = dir.filePath("back.tvx");
-  // A preset as the device keeps it (limiter bytes name their channel), with a name and a band.
+  // A factory preset with a name and a band: pushed and pulled back, every byte is the same.
   params::PresetImage preset = params::DefaultImage[0];
-  for (std::size_t ch = 0; ch < 8; ++ch)
-    preset[params::LimiterOffset[ch]] = static_cast<std::uint8_t>(ch << 4);
   std::copy_n("  Bass", 6, preset.begin() + static_cast<long>(params::NameOffset[3]));
   preset[params::EqBandStart[12] + 2] = 42;
   QFile file(show);

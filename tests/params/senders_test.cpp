@@ -219,7 +219,7 @@ TEST(SendersTest, shouldCentreNamesInSixCharacters) {
 
 TEST(SendersTest, shouldWriteLabelsWithTheLocaleDecimalMark) {
   DeviceParams device = DeviceParams::FromDefault(0);
-  Senders senders(device, true);
+  Senders senders(device, DecimalMark::Comma);
   EXPECT_EQ(senders.Level(0, -0.5).labels.front(), "-0,5 dB");
   EXPECT_EQ(senders.EqBand(3, {20.6, 9, 0}).labels,
             (std::vector<std::string>{"20,6", "0,30", "0", "Flat"}));

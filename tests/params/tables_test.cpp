@@ -23,8 +23,8 @@ TEST(ValueTablesTest, shouldHoldTheFrequencyGridEdgesAsTheDeviceHasThem) {
 }
 
 TEST(ValueTablesTest, shouldDifferInTheDecimalMarkOnlyBetweenQTextVariants) {
-  const auto& point = QTextTable(false);
-  const auto& comma = QTextTable(true);
+  const auto& point = QTextTable(DecimalMark::Point);
+  const auto& comma = QTextTable(DecimalMark::Comma);
   EXPECT_EQ(point[0], "-12 Hi-Sh");
   EXPECT_EQ(comma[3], "-6 Lo-Sh");
   EXPECT_EQ(point[4], "0.05");

@@ -80,7 +80,7 @@ TEST(ValueRulesTest, shouldReadNumbersWithEitherDecimalMark) {
 
 TEST(ValueRulesTest, shouldFormatWithoutTrailingZerosInTheLocaleMark) {
   EXPECT_EQ(FormatNumber(6, 1), "6");
-  EXPECT_EQ(FormatNumber(-3.5, 1, true), "-3,5");
+  EXPECT_EQ(FormatNumber(-3.5, 1, DecimalMark::Comma), "-3,5");
   EXPECT_EQ(FormatNumber(-0.04, 1), "0");
   EXPECT_EQ(FormatNumber(20.6, 1), "20.6");
   EXPECT_EQ(FormatNumber(10.005, 3), "10.005");

@@ -1,5 +1,6 @@
 #include "presets/device_memory.h"
 
+#include "params/captions.h"
 #include "sim_bench.h"
 
 namespace talvex::presets {
@@ -94,7 +95,7 @@ TEST_F(DeviceMemoryTest, shouldRefuseAnEmptySlotAndRecallAUsedOne) {
   EXPECT_TRUE(std::equal(preset.begin(), preset.end(), device.image.begin()));
   EXPECT_DOUBLE_EQ(device.values.BandFrequency(20), 125);
   EXPECT_EQ(observer.sent.size(), 2u);
-  EXPECT_EQ(LoadedFromDeviceCaption(kId, state.slotNames[5], 0),
+  EXPECT_EQ(params::LoadedFromDeviceCaption(kId, state.slotNames[5], 0),
             "ID:5 TALVEX - Last preset loaded: come from DEVICE - Show             - Type: 2x2 "
             "WAY XOVER + SUB");
 }

@@ -64,7 +64,8 @@ TEST_F(PresetLoadTest, shouldTakeOverOnlyThePresetTheTwoBytesAndTheTail) {
   ASSERT_EQ(result.outcome, PresetLoad::Loaded) << result.error;
   for (std::size_t i = 304; i < 1155; ++i) {
     const bool taken = i == 321 || i == 323 || i >= 1074;
-    const std::uint8_t expected = i == 321 || i == 323 ? 1 : taken ? 0x5A : 0xEE;
+    // 328 holds the output link switch the transfer sent (the editor's, off).
+    const std::uint8_t expected = i == 321 || i == 323 ? 1 : i == 328 ? 0 : taken ? 0x5A : 0xEE;
     ASSERT_EQ(device.image[i], expected) << i;
   }
   EXPECT_EQ(state.loadedPresetNumber, 0);

@@ -1,5 +1,6 @@
 #include "presets/system_type.h"
 
+#include "params/captions.h"
 #include "params/default_image.h"
 #include "sim_bench.h"
 
@@ -22,17 +23,14 @@ TEST_F(SystemTypeTest, shouldSwitchTheDeviceAndShowTheFactoryImageWithoutSending
 
   PresetView view;
   const PresetTransfer transfer = ApplyFactoryImage(device, presetState, view);
-  // The factory image as the senders leave it: each limiter byte names its channel.
-  params::PresetImage factory = params::DefaultImage[2];
-  for (std::size_t ch = 0; ch < 8; ++ch)
-    factory[params::LimiterOffset[ch]] = static_cast<std::uint8_t>(ch << 4);
+  const params::PresetImage& factory = params::DefaultImage[2];
   EXPECT_TRUE(std::equal(factory.begin(), factory.end(), device.image.begin()));
   EXPECT_DOUBLE_EQ(device.values.LevelDb(4), 0);
   EXPECT_EQ(presetState.loadedPresetNumber, 0);
   EXPECT_EQ(presetState.presetChanged, 0);
   EXPECT_TRUE(transfer.flags.sendSuspended);
   EXPECT_EQ(observer.sent.size(), 1u);
-  EXPECT_EQ(DefaultLoadedCaption(kId, 2),
+  EXPECT_EQ(params::DefaultLoadedCaption(kId, 2),
             "ID:5 TALVEX - Preset loaded from device: Default - Type: 6 WAY XOVER");
   EXPECT_EQ(kChangeTypeText, "Change Xover Type, are you sure ? ");
 }

@@ -1,22 +1,24 @@
-#include "params/param_names.h"
+#include "cli/param_words.h"
 
 #include <gtest/gtest.h>
 
 #include "protocol/frame.h"
 
-namespace talvex::params {
+namespace talvex::cli {
+
+using namespace params;
 namespace {
 
-TEST(ParamNamesTest, shouldReadBackEveryNameItWrites) {
+TEST(ParamWordsTest, shouldReadBackEveryNameItWrites) {
   const std::vector<ParamRef> all = AllParams();
-  EXPECT_EQ(all.size(), 1 + 2 * (5 + 5 * 4) + 6 * (14 + 7 * 4));
+  EXPECT_EQ(all.size(), 4 + 2 * (5 + 1 + 5 * 4) + 6 * (14 + 1 + 7 * 4));
   for (const ParamRef& ref : all)
     EXPECT_EQ(ParseParamName(ParamName(ref)), ref) << ParamName(ref);
   EXPECT_EQ(ParseParamName("out6.eq7.q"), (ParamRef{ParamKind::EqQ, 7, 51}));
   EXPECT_EQ(ParseParamName("inB.eq1.freq"), (ParamRef{ParamKind::EqFrequency, 1, 5}));
 }
 
-TEST(ParamNamesTest, shouldRefuseNamesOfNoParameter) {
+TEST(ParamWordsTest, shouldRefuseNamesOfNoParameter) {
   for (const char* name :
        {"", "level", "inC.level", "out7.level", "out0.level", "inA.source", "inA.hp.freq",
         "inA.name", "inA.eq6.gain", "out1.eq8.gain", "out1.eq0.gain", "out1.eq1", "out1.eq1.width",
@@ -31,7 +33,7 @@ struct SetCase {
   const char* frame;  // the one command, to device 0
 };
 
-TEST(ParamNamesTest, shouldSetThroughTheRuleAndTheSenderAndReadTheSameBack) {
+TEST(ParamWordsTest, shouldSetThroughTheRuleAndTheSenderAndReadTheSameBack) {
   const SetCase cases[] = {
       {"out2.level", "-3.5", "-3.5", "F0 81 00 01 03 00 00 00 00 00 00 55 F7"},
       {"inA.level", "0.25", "0.2", "F0 81 00 01 00 00 00 00 00 00 00 98 F7"},
@@ -54,6 +56,9 @@ TEST(ParamNamesTest, shouldSetThroughTheRuleAndTheSenderAndReadTheSameBack) {
       {"out1.limiter.release", "136", "140", "F0 81 00 07 02 00 00 00 00 13 04 96 F7"},
       {"out4.name", "Tw", "Tw", "F0 81 00 0E 05 00 20 20 54 77 20 20 F7"},
       {"input.source", "spdif", "spdif", "F0 81 00 0D 00 00 00 00 00 00 00 01 F7"},
+      {"delay.unit", "M", "m", "F0 81 00 11 00 12 00 00 01 00 00 00 F7"},
+      {"output.link", "on", "on", "F0 81 00 22 01 00 00 00 00 00 00 00 F7"},
+      {"out1.eq.bypass", "on", "on", "F0 81 00 1D 04 00 00 00 00 00 00 00 F7"},
   };
   for (const SetCase& c : cases) {
     DeviceParams device = DeviceParams::FromDefault(0);
@@ -61,13 +66,14 @@ TEST(ParamNamesTest, shouldSetThroughTheRuleAndTheSenderAndReadTheSameBack) {
     const SetOutcome outcome = SetParam(device, ref, c.text);
     ASSERT_TRUE(outcome.Ok()) << c.name << " " << outcome.badChoice;
     EXPECT_EQ(outcome.shown.text, c.shown) << c.name;
-    EXPECT_EQ(protocol::FormatHex(protocol::BuildFrame(0, outcome.edit.command)), c.frame)
+    EXPECT_EQ(protocol::FormatHex(protocol::BuildFrame(0, outcome.edit.edits.front().command)),
+              c.frame)
         << c.name;
     EXPECT_EQ(GetParam(device.image, ref).text, c.shown) << c.name;
   }
 }
 
-TEST(ParamNamesTest, shouldRefuseBadTextAndChangeNothing) {
+TEST(ParamWordsTest, shouldRefuseBadTextAndChangeNothing) {
   const std::pair<const char*, const char*> badNumbers[] = {
       {"out2.level", "  Incorrect value"},
       {"out1.delay", "  Incorrect value"},
@@ -97,7 +103,7 @@ TEST(ParamNamesTest, shouldRefuseBadTextAndChangeNothing) {
   }
 }
 
-TEST(ParamNamesTest, shouldKnowWhichParametersNoImageHolds) {
+TEST(ParamWordsTest, shouldKnowWhichParametersNoImageHolds) {
   EXPECT_EQ(StorageOf(*ParseParamName("out1.mute")), Storage::NotStored);
   EXPECT_EQ(StorageOf(*ParseParamName("inA.polarity")), Storage::NotStored);
   EXPECT_EQ(StorageOf(*ParseParamName("out1.polarity")), Storage::Preset);
@@ -109,4 +115,4 @@ TEST(ParamNamesTest, shouldKnowWhichParametersNoImageHolds) {
 }
 
 }  // namespace
-}  // namespace talvex::params
+}  // namespace talvex::cli
