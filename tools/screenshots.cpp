@@ -85,9 +85,9 @@ int main(int argc, char* argv[]) {
   window.Start(select.Choice());
   started.wait(5000);
   Settle(window.CurrentSession());
-  window.CurrentSession().Connect(0);
+  window.ConnectDevice(0);
   Settle(window.CurrentSession());
-  window.CurrentSession().Connect(1);
+  window.ConnectDevice(1);
   Settle(window.CurrentSession());
   ok = Save(window, out + "/main" + suffix + ".png") && ok;
   return ok ? 0 : 1;

@@ -14,6 +14,7 @@ DeviceListWindow::DeviceListWindow(Session& session, QWidget* parent)
       grid_(new QTableWidget(0, 2)),
       connectButton_(new QPushButton("Connect")) {
   setWindowTitle(kDeviceListTitle);
+  grid_->setAccessibleName(kDeviceListTitle);
   grid_->setHorizontalHeaderLabels({"Name", "ID"});
   grid_->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
   grid_->horizontalHeader()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
@@ -67,7 +68,7 @@ QStringList DeviceListWindow::RowTexts() const {
 void DeviceListWindow::ConnectRow(int row) {
   const std::vector<int>& ids = session_.ListedIds();
   if (row < 0 || row >= static_cast<int>(ids.size())) return;
-  session_.Connect(ids[static_cast<std::size_t>(row)]);
+  emit connectRequested(ids[static_cast<std::size_t>(row)]);
 }
 
 }  // namespace talvex::app

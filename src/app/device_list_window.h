@@ -21,7 +21,11 @@ class DeviceListWindow : public QWidget {
   QTableWidget* Grid() const { return grid_; }
   // The row texts as shown: the name (or the state in its place), "  ID:", the ID.
   QStringList RowTexts() const;
+  // Asks for the row's device to be connected (the main window applies the slot rules first).
   void ConnectRow(int row);
+
+ signals:
+  void connectRequested(int deviceId);
 
  public slots:
   void Redraw();

@@ -20,7 +20,10 @@ MainWindow::MainWindow(std::unique_ptr<Session> session, UserDialogs& dialogs, Q
   statusBar()->addPermanentWidget(lineState_);
   resize(QSize(1000, 680).boundedTo(screen()->availableGeometry().size()));
   connect(session_.get(), &Session::startupFinished, this, &MainWindow::FinishStartup);
-  connect(session_.get(), &Session::connected, this, &MainWindow::OpenEditor);
+  connect(session_.get(), &Session::searchStarted, this, &MainWindow::ShowSearch);
+  connect(session_.get(), &Session::searchEnded, this, [this] {
+    if (search_) search_->hide();
+  });
   connect(session_.get(), &Session::deviceLost, this, &MainWindow::CloseEditorOf);
   connect(session_.get(), &Session::fatalTimeOut, this, [this] { emit quitRequested(1); });
   connect(session_.get(), &Session::busy, this, [this](const QString& text) {
@@ -52,16 +55,20 @@ void MainWindow::BuildMenus() {
 
 void MainWindow::Start(const StartupChoice& choice) {
   lineState_->setText(QString("Port: %1").arg(QString::fromStdString(choice.port)));
-  if (choice.mode != SearchMode::SingleDevice) {
-    search_ = new SearchWindow(this);
-    connect(session_.get(), &Session::searchProgress, search_, &SearchWindow::ShowProgress);
-    search_->show();
-  }
   session_->Start(choice);
 }
 
+// Only once the port has opened: a port that did not open has nothing to search, and its
+// question ("COM not found, ...") stands alone.
+void MainWindow::ShowSearch() {
+  if (!search_) {
+    search_ = new SearchWindow(this);
+    connect(session_.get(), &Session::searchProgress, search_, &SearchWindow::ShowProgress);
+  }
+  search_->show();
+}
+
 void MainWindow::FinishStartup(StartupOutcome outcome) {
-  if (search_) search_->hide();
   if (outcome == StartupOutcome::Refused) {
     emit startupFinished(outcome);
     emit quitRequested(0);  // no exit question: Closing is set
@@ -70,6 +77,7 @@ void MainWindow::FinishStartup(StartupOutcome outcome) {
   if (outcome == StartupOutcome::DemoMode)
     statusBar()->showMessage("Demo mode: nothing is sent to the devices");
   deviceList_ = new DeviceListWindow(*session_);
+  connect(deviceList_, &DeviceListWindow::connectRequested, this, &MainWindow::ConnectDevice);
   QMdiSubWindow* sub = area_->addSubWindow(deviceList_, Qt::SubWindow | Qt::WindowTitleHint);
   sub->resize(360, 320);
   sub->move(8, 8);
@@ -82,19 +90,32 @@ editor::CtrlWindow* MainWindow::Editor(int slot) const {
   return editors_[static_cast<std::size_t>(slot)];
 }
 
-void MainWindow::OpenEditor(int deviceId) {
+void MainWindow::ConnectDevice(int deviceId) {
+  if (const auto held = slots_.SlotOfDevice(deviceId); held && !Editor(*held))
+    return;  // still being read: the status bar says so
   const OpenResult result = slots_.Open(deviceId);
-  if (result.refusal == OpenRefusal::OutOfMemory) {
+  if (result.refusal != OpenRefusal::None) return ShowRefusal(result.refusal);
+  const int slot = *result.slot;
+  session_->Connect(deviceId, [this, deviceId, slot](bool connected) {
+    if (connected) {
+      OpenEditor(deviceId, slot);
+    } else {
+      slots_.Close(slot);
+    }
+  });
+}
+
+void MainWindow::ShowRefusal(OpenRefusal refusal) {
+  if (refusal == OpenRefusal::OutOfMemory) {
     dialogs_.ShowMessage(std::string(kOutOfMemoryTitle), std::string(kOutOfMemoryText),
                          DialogIcon::Warning);
-    return;
-  }
-  if (result.refusal == OpenRefusal::AlreadyOpen) {
+  } else {
     dialogs_.ShowMessage(std::string(kAlreadyOpenTitle), std::string(kAlreadyOpenText),
                          DialogIcon::Warning);
-    return;
   }
-  const int slot = *result.slot;
+}
+
+void MainWindow::OpenEditor(int deviceId, int slot) {
   if (!errorsReported_) {  // from the first editor on, a failed edit is reported
     session_->ReportLinkErrors();
     errorsReported_ = true;

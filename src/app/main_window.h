@@ -39,8 +39,11 @@ class MainWindow : public QMainWindow {
   editor::CtrlWindow* Editor(int slot) const;
   QMdiArea* Area() const { return area_; }
 
-  // Opens the device's editor by the slot rules (Out of memory, already open, lowest free slot).
-  void OpenEditor(int deviceId);
+  // The device list's connect. The slot rules come first (Out of memory, already open), so that
+  // a refused window puts nothing on the line; the lowest free slot is then held for the device
+  // while the session polls and reads it, its editor opens there, and a connect that fails gives
+  // the slot back. A second connect of a device still being read is ignored.
+  void ConnectDevice(int deviceId);
   // The editor's "Disconnect device": asks, then sends command 15 and closes the editor.
   void Unconnect(int deviceId);
 
@@ -54,7 +57,10 @@ class MainWindow : public QMainWindow {
 
  private:
   void BuildMenus();
+  void ShowSearch();
   void FinishStartup(StartupOutcome outcome);
+  void ShowRefusal(OpenRefusal refusal);
+  void OpenEditor(int deviceId, int slot);
   void CloseEditorOf(int deviceId);
   void EditorClosed(int slot);
   bool MayCloseEditor(int deviceId);

@@ -7,6 +7,7 @@ namespace talvex::app {
 SearchWindow::SearchWindow(QWidget* parent)
     : QWidget(parent, Qt::Tool), progress_(new QLabel("0 %")), bar_(new QProgressBar) {
   setWindowTitle("Searching devices");
+  bar_->setAccessibleName("Search progress");
   bar_->setRange(0, 1000);
   bar_->setTextVisible(false);
   progress_->setAlignment(Qt::AlignCenter);

@@ -19,6 +19,13 @@ void FillIds(QComboBox* list) {
     list->addItem(QString::number(id));
 }
 
+// A caption that screen readers relate to its control (and that gives it the focus on a click).
+QLabel* LabelFor(const QString& text, QWidget* control) {
+  auto* label = new QLabel(text);
+  label->setBuddy(control);
+  return label;
+}
+
 }  // namespace
 
 std::vector<PortEntry> AvailablePorts(const std::string& preselected) {
@@ -46,10 +53,11 @@ SelectWindow::SelectWindow(std::vector<PortEntry> ports, std::filesystem::path c
   ids_ = config::ReadDeviceIdTable(configFolder_).value;
 
   portList_ = new QComboBox;
+  portList_->setAccessibleName("Port");
   for (const PortEntry& entry : ports_)
     portList_->addItem(entry.label);
   auto* portRow = new QHBoxLayout;
-  portRow->addWidget(new QLabel("Port:"));
+  portRow->addWidget(LabelFor("Port:", portList_));
   portRow->addWidget(portList_, 1);
 
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
@@ -78,6 +86,7 @@ QGroupBox* SelectWindow::BuildModes() {
     layout->addWidget(option, mode, 0);
   }
   singleIdList_ = new QComboBox;
+  singleIdList_->setAccessibleName("One device ID");
   FillIds(singleIdList_);
   singleIdList_->setCurrentIndex(0);
   layout->addWidget(singleIdList_, 0, 1);
@@ -91,12 +100,14 @@ QGroupBox* SelectWindow::BuildIdLists() {
   auto* grid = new QGridLayout(idFrame_);
   for (int i = 0; i < config::kIdListCount; ++i) {
     QComboBox* list = idLists_[static_cast<std::size_t>(i)] = new QComboBox;
+    list->setAccessibleName(QString("Device ID %1").arg(i + 1));
     FillIds(list);
     list->setCurrentIndex(ids_[static_cast<std::size_t>(i)]);
     connect(list, &QComboBox::currentIndexChanged, this, [this, i](int position) {
       ids_[static_cast<std::size_t>(i)] = static_cast<std::int16_t>(position);
     });
-    grid->addWidget(new QLabel(QString::number(i + 1) + ":"), i / 5, 2 * (i % 5), Qt::AlignRight);
+    grid->addWidget(LabelFor(QString::number(i + 1) + ":", list), i / 5, 2 * (i % 5),
+                    Qt::AlignRight);
     grid->addWidget(list, i / 5, 2 * (i % 5) + 1);
   }
   return idFrame_;

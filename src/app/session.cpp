@@ -100,6 +100,7 @@ Session::StartupResult Session::SearchOnWorker(link::Link& link, const StartupCh
   }
   std::vector<int> ids = link::AllDeviceIds();
   if (choice.mode == SearchMode::IdList) ids.assign(choice.ids.begin(), choice.ids.end());
+  Post([this] { emit searchStarted(); });  // a port that did not open has nothing to search
   result.found = link::SearchDevices(link, ids, [this](const std::string& text) {
     Post([this, text] { emit searchProgress(QString::fromStdString(text)); });
   });
@@ -107,6 +108,7 @@ Session::StartupResult Session::SearchOnWorker(link::Link& link, const StartupCh
 }
 
 void Session::FinishStartup(const StartupChoice& choice, const StartupResult& result) {
+  emit searchEnded();  // before the demo-mode question, which is about the search's outcome
   if (!result.found.empty()) {
     listedIds_ = result.found;
     emit rowsChanged();
@@ -186,17 +188,16 @@ void Session::RefreshFrom(std::size_t row) {
       });
 }
 
-void Session::Connect(int deviceId) {
+void Session::Connect(int deviceId, std::function<void(bool connected)> done) {
   DeviceEntry& device = Device(deviceId);
   if (device.disconnected &&
       dialogs_.AskYesNo(kConnectTitle, kConnectQuestion, DialogIcon::Exclamation, Answer::Yes) ==
           Answer::No) {
-    return;
+    return done(false);
   }
   if (demoMode_) {  // nothing is polled in demo mode: the editor works on the PC's copy
     device.name = std::string(link::kDemoDeviceName);
-    emit connected(deviceId);
-    return;
+    return done(true);
   }
   worker_->Revive(deviceId);
   emit busy(QString("Connecting device ID:%1 ...").arg(deviceId));
@@ -206,7 +207,9 @@ void Session::Connect(int deviceId) {
       [this, deviceId, record = device.params.image](link::Link& link) {
         return ConnectOnWorker(link, deviceId, record);
       },
-      [this, deviceId](ConnectResult result) { FinishConnect(deviceId, result); });
+      [this, deviceId, done = std::move(done)](ConnectResult result) {
+        done(FinishConnect(deviceId, result));
+      });
 }
 
 Session::ConnectResult Session::ConnectOnWorker(link::Link& link, int deviceId,
@@ -234,7 +237,7 @@ Session::ConnectResult Session::ConnectOnWorker(link::Link& link, int deviceId,
   return result;
 }
 
-void Session::FinishConnect(int deviceId, const ConnectResult& result) {
+bool Session::FinishConnect(int deviceId, const ConnectResult& result) {
   emit busy({});
   DeviceEntry& device = Device(deviceId);
   const std::size_t index = static_cast<std::size_t>(deviceId);
@@ -242,7 +245,7 @@ void Session::FinishConnect(int deviceId, const ConnectResult& result) {
     device.disconnected = true;
     dialogs_.ShowMessage(link::kCommunicationProblemTitle.data(), kDeviceDisconnectedText,
                          DialogIcon::Warning);
-    return;
+    return false;
   }
   if (!result.params) {
     if (!result.name.empty()) device.name = result.name;
@@ -252,7 +255,7 @@ void Session::FinishConnect(int deviceId, const ConnectResult& result) {
                            kConnectTimeOutText + std::to_string(deviceId), DialogIcon::Warning);
     }
     emit rowsChanged();
-    return;
+    return false;
   }
   device.name = result.name;
   device.disconnected = false;
@@ -261,7 +264,7 @@ void Session::FinishConnect(int deviceId, const ConnectResult& result) {
   device.state = result.state;
   device.imageRead = true;
   emit rowsChanged();
-  emit connected(deviceId);
+  return true;
 }
 
 void Session::Unconnect(int deviceId) {

@@ -92,9 +92,11 @@ class Session : public QObject, private link::LinkObserver {
   // free for edits.
   void RefreshNames();
 
-  // Polls the device and reads its name and image; ends with connected() or, when it does not
-  // answer, with the system's message.
-  void Connect(int deviceId);
+  // Polls the device and reads its name, image and state, then calls `done` with true when its
+  // editor may open. False when the user did not want to connect a disconnected device, when it
+  // does not answer (the system's message has been shown) or when a read failed. The slot rules
+  // are the caller's and come first (MainWindow::ConnectDevice): a refused window sends nothing.
+  void Connect(int deviceId, std::function<void(bool connected)> done);
   // Sends command 15 and marks the device disconnected.
   void Unconnect(int deviceId);
   // From the first editor window on, a final failure of an edit is reported and closes the device.
@@ -114,9 +116,11 @@ class Session : public QObject, private link::LinkObserver {
 
  signals:
   void searchProgress(QString text);
+  // The port is open and the search of several IDs begins; it ends before any question is asked.
+  void searchStarted();
+  void searchEnded();
   void startupFinished(talvex::app::StartupOutcome outcome);
   void rowsChanged();
-  void connected(int deviceId);
   // A long job began or ended: what the status bar says meanwhile ("" when it ended).
   void busy(QString text);
   // The device failed during an edit: the message has been shown, its editor must close.
@@ -142,7 +146,7 @@ class Session : public QObject, private link::LinkObserver {
   void OfferDemoMode(const char* question);
   void RefreshFrom(std::size_t row);
   ConnectResult ConnectOnWorker(link::Link& link, int deviceId, params::ParamImage record) const;
-  void FinishConnect(int deviceId, const ConnectResult& result);
+  bool FinishConnect(int deviceId, const ConnectResult& result);
   void SaveSpeakerRecords() const;
   void Post(std::function<void()> call);
 

@@ -1,10 +1,12 @@
-// scan, ping and send: the line and the frames themselves.
+// scan, ping, send and meters: the line and the frames themselves.
+#include <iomanip>
 #include <optional>
 #include <ostream>
 
 #include "cli/commands.h"
 #include "link/device_name.h"
 #include "link/search.h"
+#include "presets/meters.h"
 
 namespace talvex::cli {
 
@@ -59,6 +61,21 @@ int Send(CliContext& context) {
   return kExitOk;
 }
 
+// One line of eight levels in dBFS, In A, In B, Out 1 .. Out 6, to a tenth (the steps are half
+// dB); -60.0 is silence or anything below.
+int Meters(CliContext& context) {
+  RequireArgCount(context, 0, 0);
+  const auto levels = presets::ReadMeters(context.Link(), context.Options().id);
+  if (!levels)
+    throw CommandFailed("the device's meters could not be read", context.LinkFailedOnce());
+  const bool json = context.Options().json;
+  context.Out() << (json ? "[" : "") << std::fixed << std::setprecision(1);
+  for (int channel = 0; channel < params::kChannelCount; ++channel)
+    context.Out() << (channel == 0 ? "" : json ? ", " : " ") << levels->Dbfs(channel);
+  context.Out() << (json ? "]" : "") << '\n';
+  return kExitOk;
+}
+
 }  // namespace
 
 void AddLinkCommands(std::vector<CommandSpec>& commands) {
@@ -67,6 +84,9 @@ void AddLinkCommands(std::vector<CommandSpec>& commands) {
   commands.push_back({"ping", "", "poll the device of --id; exit 0 when it answers", Ping});
   commands.push_back(
       {"send", "CODE [P1 .. P8]", "send one command to --id and print the reply", Send});
+  commands.push_back({"meters", "",
+                      "print the levels of In A, In B, Out 1 .. Out 6 in dBFS (-60 = silent)",
+                      Meters});
 }
 
 }  // namespace talvex::cli

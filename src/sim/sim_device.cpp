@@ -1,9 +1,14 @@
 #include "sim/sim_device.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numbers>
 
 #include "params/default_image.h"
+#include "params/image_decode.h"
 #include "params/value_tables.h"
+#include "protocol/meter.h"
 
 namespace talvex::sim {
 
@@ -14,6 +19,34 @@ namespace {
 
 std::size_t AddressOf(const protocol::Command& command) {
   return static_cast<std::size_t>(command.p(1)) << 8 | command.p(2);
+}
+
+// The simulated programme: about -20 dBFS, swinging 3 dB either way over 40 meter polls (some
+// seconds at the rate an editor polls), counted by the device itself so that runs repeat.
+constexpr double kProgrammeDbfs = -20.0;
+constexpr double kProgrammeSwingDb = 3.0;
+constexpr int kProgrammePolls = 40;
+constexpr double kSilence = -std::numeric_limits<double>::infinity();
+
+double ProgrammeDbfs(int poll) {
+  return kProgrammeDbfs +
+         kProgrammeSwingDb * std::sin(2 * std::numbers::pi * poll / kProgrammePolls);
+}
+
+// A channel's level in dB as its image holds it; a level byte beyond the channel's range (taken
+// as it came by the level command) gives the top of the range.
+double GainDb(const params::PresetImage& live, int channel) {
+  try {
+    return params::LevelDb(live, channel);
+  } catch (const IndexError&) {
+    return params::LevelRule(channel).hi;
+  }
+}
+
+// The input (0 = In A, 1 = In B) that feeds an output; a source byte other than 0 is In B.
+std::size_t SourceInput(const params::PresetImage& live, int channel) {
+  const auto output = static_cast<std::size_t>(channel - params::kInputCount);
+  return live[params::OutputSourceOffset[output]] != 0 ? 1 : 0;
 }
 
 }  // namespace
@@ -46,6 +79,8 @@ std::vector<std::uint8_t> SimDevice::Handle(const protocol::Frame& request) {
       return ReadMemory(request);
     case code::kReadState:
       return ReportState(request);
+    case code::kMeterPoll:
+      return AnswerMeters(request);
     case code::kMemoryWrite:
       WriteMemory(AddressOf(command), command.p(5));
       return Acknowledge(request);
@@ -154,6 +189,34 @@ std::vector<std::uint8_t> SimDevice::ReportState(const protocol::Frame& request)
   reply[6] = state_.deviceWide;
   reply[7] = memory_[mem::kOption];
   reply[8] = state_.outputLink;
+  return {reply.begin(), reply.end()};
+}
+
+// Command 18 asks for the level meters; its p1..p8 are 0 and are not read. The reply is the
+// request echoed with p1..p8 = the levels of In A, In B, Out 1 .. Out 6, each byte in half-dB
+// steps above -60 dBFS (0 = silent or at most -60 dBFS, 120 = 0 dBFS full scale; never above
+// 120; protocol/meter.h holds the scale). The levels are those of a programme at about -20 dBFS
+// that swings slowly with the count of meter polls answered: an input reads the programme plus
+// its level, an output its source input (clipped at full scale) plus its own level; a muted
+// channel reads silent, and so does an output whose source input is muted. Everything is clipped
+// at full scale. EQ, crossovers, delay, polarity and limiters are left out: the programme is a
+// level, not a waveform, so it has no spectrum for a filter to shape and no peaks for a limiter
+// to hold; what a meter must show, that the signal passes and how each gain and mute acts on it,
+// these levels show.
+std::vector<std::uint8_t> SimDevice::AnswerMeters(const protocol::Frame& request) const {
+  const double programme = ProgrammeDbfs(FramesHandled(code::kMeterPoll) - 1);
+  std::array<double, params::kChannelCount> dbfs{};
+  for (int channel = 0; channel < params::kChannelCount; ++channel) {
+    const auto index = static_cast<std::size_t>(channel);
+    // A muted source input is silent already (-infinity), and so stays its output.
+    const double fed = channel < params::kInputCount
+                           ? programme
+                           : std::min(dbfs[SourceInput(state_.live, channel)], 0.0);
+    dbfs[index] = state_.mute[index] != 0 ? kSilence : fed + GainDb(state_.live, channel);
+  }
+  protocol::Frame reply = request;
+  for (std::size_t i = 0; i < dbfs.size(); ++i)
+    reply[4 + i] = protocol::meter::ByteOfLevel(dbfs[i]);
   return {reply.begin(), reply.end()};
 }
 

@@ -48,6 +48,7 @@ class SimDevice {
   bool Refuses(const protocol::Command& command) const;
   std::vector<std::uint8_t> ReadMemory(const protocol::Frame& request) const;
   std::vector<std::uint8_t> ReportState(const protocol::Frame& request) const;
+  std::vector<std::uint8_t> AnswerMeters(const protocol::Frame& request) const;
   void WriteMemory(std::size_t address, std::uint8_t value);
   void SetSystemType(int systemType);
 

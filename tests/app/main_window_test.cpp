@@ -18,10 +18,17 @@ std::string Ids(int count) {
   return port;
 }
 
+int FramesOnLine(const AppHarness& app) {
+  int frames = 0;
+  for (int id : app.simulator->DeviceIds())
+    frames += app.simulator->Device(id).FramesHandled();
+  return frames;
+}
+
 class MainWindowTest : public ::testing::Test {
  protected:
   void Open(AppHarness& app, int deviceId) {
-    app.Session().Connect(deviceId);
+    app.window->ConnectDevice(deviceId);
     app.Settle();
   }
 };
@@ -35,23 +42,72 @@ TEST_F(MainWindowTest, shouldOpenOneEditorPerDeviceWithItsCaption) {
   EXPECT_EQ(app.window->Editor(0)->windowTitle(), "ID:1 - Type: 2x3 WAY XOVER");
   EXPECT_EQ(app.window->Editor(1)->windowTitle(), "ID:2 - Type: 2x2 WAY XOVER + SUB");
   EXPECT_EQ(app.window->Slots().OpenWindowCount(), 1);
-  Open(app, 1);
-  ASSERT_EQ(app.dialogs.shown.size(), 1u);
-  EXPECT_EQ(app.dialogs.shown[0].title, "Speakers Edit");
-  EXPECT_EQ(app.dialogs.shown[0].text, "The window is already open");
-  EXPECT_EQ(app.window->Slots().OpenWindowCount(), 1);
+  EXPECT_TRUE(app.dialogs.shown.empty());
 }
 
-TEST_F(MainWindowTest, shouldRefuseATwelfthEditor) {
+// The slot rules come before anything goes on the line: a refused connect sends not one frame
+// (no poll, no name, no image, no state read) and leaves the count as it was.
+TEST_F(MainWindowTest, shouldRefuseAConnectBeforeSendingAnything) {
+  struct Case {
+    const char* why;
+    int editorsOpen;  // devices 0.. connected first
+    int device;       // then this one
+    const char* title;
+    const char* text;
+    int countAfter;
+  };
+  const Case cases[] = {
+      {"already open", 2, 1, "Speakers Edit", "The window is already open", 1},
+      {"no free slot", 11, 11, "Out of memory", "Out of memory: max number of window open is 32",
+       10},
+      {"no free slot, open device", 11, 3, "Out of memory",
+       "Out of memory: max number of window open is 32", 10},
+  };
+  for (const Case& c : cases) {
+    AppHarness app(Ids(12));
+    app.Start(Choice(SearchMode::AllIds));
+    for (int id = 0; id < c.editorsOpen; ++id)
+      Open(app, id);
+    ASSERT_TRUE(app.dialogs.shown.empty()) << c.why;
+    const int framesBefore = FramesOnLine(app);
+    Open(app, c.device);
+    EXPECT_EQ(FramesOnLine(app), framesBefore) << c.why;
+    ASSERT_EQ(app.dialogs.shown.size(), 1u) << c.why;
+    EXPECT_EQ(app.dialogs.shown[0].title, c.title) << c.why;
+    EXPECT_EQ(app.dialogs.shown[0].text, c.text) << c.why;
+    EXPECT_EQ(app.window->Slots().OpenWindowCount(), c.countAfter) << c.why;
+    EXPECT_EQ(app.window->Area()->subWindowList().size(), 1 + c.editorsOpen) << c.why;
+  }
+}
+
+// A connect that fails gives its slot back: after it exactly as many windows can open as before.
+TEST_F(MainWindowTest, shouldGiveTheSlotBackWhenAConnectFails) {
   AppHarness app(Ids(12));
   app.Start(Choice(SearchMode::AllIds));
-  for (int id = 0; id < 12; ++id)
+  for (int id = 0; id < 10; ++id)
     Open(app, id);
+  app.simulator->Faults(10).silentFrames = 2;  // both polls of the connect go unanswered
+  Open(app, 10);
+  ASSERT_EQ(app.dialogs.Texts(), (std::vector<std::string>{"Device disconnected"}));
+  EXPECT_EQ(app.window->Slots().OpenWindowCount(), 9);
+  Open(app, 11);  // the eleventh window still fits
   EXPECT_EQ(app.window->Slots().OpenWindowCount(), 10);
-  ASSERT_EQ(app.dialogs.shown.size(), 1u);
-  EXPECT_EQ(app.dialogs.shown[0].title, "Out of memory");
-  EXPECT_EQ(app.dialogs.shown[0].text, "Out of memory: max number of window open is 32");
-  EXPECT_EQ(app.window->Area()->subWindowList().size(), 12);  // the list and 11 editors
+  EXPECT_EQ(app.window->Editor(10)->windowTitle().left(6), "ID:11 ");
+  EXPECT_EQ(app.dialogs.shown.size(), 1u);
+}
+
+// A second request while the device is still being read is not a second connect.
+TEST_F(MainWindowTest, shouldIgnoreAConnectOfADeviceBeingConnected) {
+  AppHarness app("sim:0,1");
+  app.Start(Choice(SearchMode::AllIds));
+  const int imageReadsBefore = app.Frames(1, protocol::code::kReadBlock);
+  app.window->ConnectDevice(1);
+  app.window->DeviceList()->ConnectRow(1);
+  app.Settle();
+  EXPECT_EQ(app.Frames(1, protocol::code::kReadBlock), imageReadsBefore + 1);
+  EXPECT_TRUE(app.dialogs.shown.empty());
+  EXPECT_EQ(app.window->Slots().OpenWindowCount(), 0);
+  EXPECT_NE(app.window->Editor(0), nullptr);
 }
 
 TEST_F(MainWindowTest, shouldAskBeforeClosingAnEditorAndFreeItsSlot) {
@@ -120,13 +176,20 @@ TEST_F(MainWindowTest, shouldUnconnectWithCommand15AndMarkTheRow) {
   EXPECT_EQ(app.window->DeviceList()->RowTexts()[1], " disconnected      ID:1");
   EXPECT_EQ(app.window->Slots().OpenWindowCount(), -1);
 
+  const int framesBefore = app.simulator->Device(1).FramesHandled();
+  app.dialogs.WillAnswer({Answer::No});  // not wanted after all: nothing sent, no slot kept
+  Open(app, 1);
+  EXPECT_EQ(app.simulator->Device(1).FramesHandled(), framesBefore);
+  EXPECT_EQ(app.window->Slots().OpenWindowCount(), -1);
+
   app.simulator->Faults(1).silentFrames = 1000;  // reconnecting asks, then finds it gone
   Open(app, 1);
-  ASSERT_EQ(app.dialogs.shown.size(), 3u);
+  ASSERT_EQ(app.dialogs.shown.size(), 4u);
   EXPECT_EQ(app.dialogs.shown[1].title, "Connect device");
-  EXPECT_EQ(app.dialogs.shown[1].text, "Do you want connect this device, are you sure ? ");
-  EXPECT_EQ(app.dialogs.shown[2].title, "Communication problem");
-  EXPECT_EQ(app.dialogs.shown[2].text, "Device disconnected");
+  EXPECT_EQ(app.dialogs.shown[2].text, "Do you want connect this device, are you sure ? ");
+  EXPECT_EQ(app.dialogs.shown[3].title, "Communication problem");
+  EXPECT_EQ(app.dialogs.shown[3].text, "Device disconnected");
+  EXPECT_EQ(app.window->Slots().OpenWindowCount(), -1);
 }
 
 TEST_F(MainWindowTest, shouldSayWhenADeviceAnswersPollsButNotReads) {
@@ -167,7 +230,7 @@ TEST_F(MainWindowTest, shouldSendCommand143OnlyWhenLeavingIsConfirmed) {
   EXPECT_EQ(app.dialogs.shown[0].text, "               Are you sure ? ");
   EXPECT_EQ(app.dialogs.shown[0].defaultAnswer, Answer::No);
 
-  app.Session().Connect(1);  // an open editor must not ask again as the program ends
+  app.window->ConnectDevice(1);  // an open editor must not ask again as the program ends
   app.Settle();
   app.window->close();  // Yes this time
   app.Settle();

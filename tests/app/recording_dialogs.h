@@ -2,6 +2,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,7 @@ class RecordingDialogs final : public editor::UserDialogs {
   editor::Answer AskYesNo(const std::string& title, const std::string& text,
                           editor::DialogIcon icon, editor::Answer defaultAnswer) override {
     shown.push_back({"question", title, text, icon, defaultAnswer});
+    if (onQuestion) onQuestion();
     if (answers_.empty()) return editor::Answer::Yes;
     const editor::Answer answer = answers_.front();
     answers_.pop_front();
@@ -52,6 +54,8 @@ class RecordingDialogs final : public editor::UserDialogs {
 
   std::vector<Shown> shown;
   std::optional<std::string> file;
+  // Runs while a question is on the screen: what else the user sees then.
+  std::function<void()> onQuestion;
 
  private:
   std::deque<editor::Answer> answers_;

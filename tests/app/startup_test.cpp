@@ -23,34 +23,44 @@ TEST(StartupTest, shouldListTheDevicesFoundWithTheirNames) {
       app.window->DeviceList()->RowTexts(),
       (QStringList{"Front L           ID:0", "Front R           ID:2", "Sub               ID:5"}));
   EXPECT_EQ(app.window->Search()->ProgressText(), "100 %");
+  EXPECT_FALSE(app.window->Search()->isVisible());  // the search is over
   EXPECT_TRUE(app.dialogs.shown.empty());
   const auto records = config::ReadSpeakerRecords(app.Folder());  // for demo mode on a later run
   EXPECT_EQ(config::PresentDeviceIds(records.value), (std::vector<int>{0, 2, 5}));
   EXPECT_EQ(records.value[2].name, "Front R         ");
 }
 
+// The search window belongs to a port that opened, and is gone before the question.
 TEST(StartupTest, shouldEndWithoutTheExitQuestionWhenDemoModeIsRefused) {
   struct Case {
     const char* port;
     SearchMode mode;
     const char* question;
+    bool searched;  // the port opened and several IDs were polled
   };
   const Case cases[] = {
       {"/dev/talvex-no-such-port", SearchMode::AllIds,
-       "COM not found, do you want to continue in demo mode?"},
+       "COM not found, do you want to continue in demo mode?", false},
       {"/dev/talvex-no-such-port", SearchMode::SingleDevice,
-       "COM not found, do you want to continue in demo mode?"},
-      {"sim:25", SearchMode::IdList, "Devices disconnected, do you want to continue in demo mode?"},
+       "COM not found, do you want to continue in demo mode?", false},
+      {"sim:25", SearchMode::IdList, "Devices disconnected, do you want to continue in demo mode?",
+       true},
       {"sim:25", SearchMode::SingleDevice,
-       "Devices unconnected, do you want to continue in demo mode?"},
+       "Devices unconnected, do you want to continue in demo mode?", false},
   };
   for (const Case& c : cases) {
     AppHarness app(c.port);
     app.dialogs.WillAnswer({Answer::No});
+    bool searchBehindQuestion = false;
+    app.dialogs.onQuestion = [&] {
+      searchBehindQuestion = app.window->Search() && app.window->Search()->isVisible();
+    };
     EXPECT_EQ(app.Start(Choice(c.mode)), StartupOutcome::Refused) << c.question;
     ASSERT_EQ(app.dialogs.shown.size(), 1u) << c.question;
     EXPECT_EQ(app.dialogs.shown[0].title, "Warning");
     EXPECT_EQ(app.dialogs.shown[0].text, c.question);
+    EXPECT_FALSE(searchBehindQuestion) << c.port << " " << c.question;
+    EXPECT_EQ(app.window->Search() != nullptr, c.searched) << c.port << " " << c.question;
     EXPECT_TRUE(app.Session().Closing());
     ASSERT_EQ(app.quits->size(), 1);
     app.window->close();  // no "Are you sure ?" after a refusal

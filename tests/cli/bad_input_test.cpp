@@ -64,6 +64,7 @@ TEST_F(BadInputTest, shouldRefuseMalformedArgumentsOfEveryCommandWithoutSendingO
       {{"--port", "tcp:host", "scan"}, "bad port \"tcp:host\""},
       {{"scan", "now"}, "unexpected argument \"now\""},
       {{"ping", "3"}, "unexpected argument \"3\""},
+      {{"meters", "all"}, "unexpected argument \"all\""},
       {{"send"}, "missing arguments"},
       {{"send", "300"}, "command code \"300\" is not a number from 0 to 255"},
       {{"send", "1", "0x10"}, "parameter \"0x10\" is not a number from 0 to 255"},

@@ -47,6 +47,21 @@ TEST(CliTest, shouldReportAFinalFailureInTheSystemsWordsAndExit1) {
       std::string::npos);
 }
 
+TEST(CliTest, shouldPrintTheEightMeterLevelsOnOneLine) {
+  const auto muteOut6 = [](sim::SimLine& line) {
+    line.Device(2).Handle(
+        protocol::BuildFrame(2, {protocol::code::kMute, {7, 0, 0, 0, 0, 0, 0, 1}}));
+  };
+  CliRun run({"--port", "sim:2", "--id", "2", "meters"}, muteOut6);
+  EXPECT_EQ(run.status, kExitOk);
+  EXPECT_EQ(run.out.str(), "-20.0 -20.0 -20.0 -20.0 -20.0 -20.0 -20.0 -60.0\n");
+  CliRun json({"--port", "sim:2", "--id", "2", "--json", "meters"});
+  EXPECT_EQ(json.out.str(), "[-20.0, -20.0, -20.0, -20.0, -20.0, -20.0, -20.0, -20.0]\n");
+  CliRun absent({"--port", "sim:2", "--id", "3", "meters"});
+  EXPECT_EQ(absent.status, kExitFailure);
+  EXPECT_EQ(absent.out.str(), "");
+}
+
 TEST(CliTest, shouldSendTheUnacknowledgedCodesWithoutWaiting) {
   CliRun run({"--port", "sim:0", "send", "143"});
   EXPECT_EQ(run.status, kExitOk);

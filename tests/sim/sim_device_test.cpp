@@ -29,7 +29,7 @@ TEST(SimDeviceTest, shouldNeverAnswerTheReleaseAndLeaveCommands) {
 
 TEST(SimDeviceTest, shouldAcknowledgeByEchoingTheFrame) {
   SimDevice device(1);
-  for (std::uint8_t code : {1, 2, 3, 4, 5, 7, 8, 9, 13, 14, 18, 29, 34, 35, 36}) {
+  for (std::uint8_t code : {1, 2, 3, 4, 5, 7, 8, 9, 13, 14, 29, 34, 35, 36}) {
     const protocol::Frame request = Request(1, code, {2, 0, 0, 0, 0, 0, 1, 99});
     const auto reply = device.Handle(request);
     EXPECT_TRUE(std::equal(reply.begin(), reply.end(), request.begin(), request.end()))
