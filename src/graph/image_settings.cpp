@@ -1,6 +1,7 @@
 #include "graph/image_settings.h"
 
 #include "params/image_decode.h"
+#include "params/image_layout.h"
 
 namespace talvex::graph {
 
@@ -26,6 +27,23 @@ ResponseSettings SettingsFromImage(const params::ParamImage& image) {
     c.delaySamples = params::DelaySamples(bytes, channel);
     c.levelDb = params::LevelDb(bytes, channel);
     c.polarityInverted = channel >= 2 && params::PolarityInverted(bytes, channel);
+  }
+  return settings;
+}
+
+ResponseSettings SettingsFromDevice(const params::DeviceParams& device) {
+  ResponseSettings settings = SettingsFromImage(device.image);
+  for (int channel = 0; channel < kChannelCount; ++channel) {
+    if (channel < params::kInputCount)
+      settings.channels[static_cast<std::size_t>(channel)].polarityInverted =
+          device.values.Polarity(channel) != 0;
+    if (!params::EqBypassed(device.image, channel)) continue;
+    const int first = FirstBandOfChannel(channel);
+    for (int band = first; band < first + BandsOf(channel); ++band) {
+      BandSettings& flat = settings.bands[static_cast<std::size_t>(band)];
+      flat.gainDb = 0;
+      flat.gainStep = kGainStepMax / 2;
+    }
   }
   return settings;
 }

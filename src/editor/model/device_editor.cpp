@@ -1,0 +1,212 @@
+#include "editor/model/device_editor.h"
+
+#include <algorithm>
+
+#include "graph/image_settings.h"
+#include "graph/response_math.h"
+#include "params/image_decode.h"
+
+namespace talvex::editor {
+
+using params::kInputCount;
+using params::ParamKind;
+using params::ParamRef;
+
+namespace {
+
+std::size_t Index(int value) {
+  return static_cast<std::size_t>(value);
+}
+
+// The control range of a stepped parameter: band frequencies are table positions 0..240,
+// delays 0..48000 samples.
+int MaxStepPosition(const ParamRef& ref) {
+  if (ref.kind == ParamKind::Delay) return params::kMaxDelaySamples;
+  return params::MaxPosition(*params::RuleOf(ref));
+}
+
+float LevelOf(const params::ParamImage& image, int channel) {
+  return static_cast<float>(params::LevelDb(image, channel));
+}
+
+int StepSize(const ControlId& upDown) {
+  if (upDown.ref.kind == ParamKind::Delay && upDown.role == ControlRole::UpDown)
+    return params::kFineStepsPerCoarse;
+  return 1;
+}
+
+}  // namespace
+
+DeviceEditor::DeviceEditor(int deviceId, params::DeviceParams& device, params::DecimalMark mark,
+                           EditorLink& link)
+    : deviceId_(deviceId),
+      device_(device),
+      mark_(mark),
+      link_(link),
+      tables_(std::make_unique<graph::ResponseTables>()) {}
+
+params::EditOptions DeviceEditor::Options() const {
+  params::EditOptions options;
+  options.mark = mark_;
+  return options;
+}
+
+void DeviceEditor::Load() {
+  presets::ApplyPreset(device_, *this, presets::TransferFlags::EditorLoad(), mark_);
+}
+
+KeyOutcome DeviceEditor::Key(int key) const {
+  return FilterKey(key, mark_, inputSuppressed_);
+}
+
+EditOutcome DeviceEditor::Commit(const ParamRef& ref, std::string_view text) {
+  if (!EditsEnabled()) return {};
+  return Finish(params::EditText(device_, ref, text, Options()));
+}
+
+EditOutcome DeviceEditor::Move(const ParamRef& ref, int position) {
+  if (!EditsEnabled()) return {};
+  return Finish(params::EditPosition(device_, ref, position, Options()));
+}
+
+EditOutcome DeviceEditor::Step(const ControlId& upDown, int steps) {
+  const int now = Show(upDown.ref).position;
+  const int wanted = std::clamp(now + steps * StepSize(upDown), 0, MaxStepPosition(upDown.ref));
+  if (wanted == now) return {};
+  return Move(upDown.ref, wanted);
+}
+
+EditOutcome DeviceEditor::Choose(const ParamRef& ref, int choice) {
+  if (!EditsEnabled()) return {};
+  return Finish(params::EditChoice(device_, ref, choice, Options()));
+}
+
+EditOutcome DeviceEditor::FlattenEq(int channel) {
+  if (!EditsEnabled()) return {};
+  return Finish(params::FlattenEq(device_, channel, Options()));
+}
+
+params::ShownParam DeviceEditor::Show(const ParamRef& ref) const {
+  return params::ShowParam(device_, ref, Options());
+}
+
+bool DeviceEditor::DeviceLocked() const {
+  return device_.image[params::kLockByte] != 0;
+}
+
+// The model changes first; the commands go to the link; the curves the edit touched are
+// computed again; then the window is told.
+EditOutcome DeviceEditor::Finish(const params::EditResult& result) {
+  EditOutcome outcome;
+  outcome.message = result.message;
+  if (!result.Ok()) return outcome;
+  link_.Send(result.edits);
+  outcome.shown = result.shown;
+  outcome.position = result.position;
+  outcome.changed = result.changed;
+  UpdateCurves(outcome.changed);
+  if (changed_) changed_(outcome.changed);
+  return outcome;
+}
+
+void DeviceEditor::UpdateCurves(std::span<const ParamRef> changed) {
+  const graph::ResponseSettings settings = graph::SettingsFromDevice(device_);
+  bool touched = false;
+  for (const ParamRef& ref : changed) {
+    if (params::IsEqBandKind(ref.kind)) {
+      tables_->ComputeEqBandResponse(settings, ref.band);
+    } else if (ref.kind == ParamKind::EqBypass) {
+      const int first = graph::FirstBandOfChannel(ref.channel);
+      for (int band = first; band < first + params::BandsOf(ref.channel); ++band)
+        tables_->ComputeEqBandResponse(settings, band);
+    } else if (params::IsCrossoverKind(ref.kind)) {
+      tables_->ComputeCrossoverResponse(settings, graph::ResponseSlotOfBox(params::FilterOf(ref)));
+    } else if (ref.kind == ParamKind::Delay || ref.kind == ParamKind::Polarity) {
+      tables_->ComputeChannelSums(settings, ref.channel);
+    } else if (ref.kind != ParamKind::OutputSource) {
+      continue;
+    }
+    touched = true;
+  }
+  if (touched && view_.outPlusInput) RefreshThroughInputs();
+}
+
+void DeviceEditor::ComputeAll() {
+  tables_->ComputeAll(graph::SettingsFromDevice(device_));
+  curvesStale_ = false;
+  if (view_.outPlusInput) RefreshThroughInputs();
+}
+
+// Out + input: the output's response after its source input's, as the signal meets them.
+void DeviceEditor::RefreshThroughInputs() {
+  for (int output = 0; output < params::kOutputCount; ++output) {
+    const int channel = output + kInputCount;
+    const int source = params::OutputSource(device_.image, channel);
+    const graph::Curve& inMagnitude = tables_->ChannelMagnitude(source);
+    const graph::Curve& inPhase = tables_->ChannelPhase(source);
+    const graph::Curve& outMagnitude = tables_->ChannelMagnitude(channel);
+    const graph::Curve& outPhase = tables_->ChannelPhase(channel);
+    graph::Curve& magnitude = throughMagnitude_[Index(output)];
+    graph::Curve& phase = throughPhase_[Index(output)];
+    for (int i = 0; i < graph::kGridPointCount; ++i) {
+      magnitude[i] = inMagnitude[i] + outMagnitude[i];
+      float sum = inPhase[i] + outPhase[i];
+      phase[i] = graph::WrapDegrees(sum);
+    }
+  }
+}
+
+void DeviceEditor::SelectChannel(int channel) {
+  CheckIndex(channel, params::kChannelCount - 1, "channel");
+  selected_ = channel;
+}
+
+void DeviceEditor::SetView(const GraphView& view) {
+  const bool through = view.outPlusInput && !view_.outPlusInput;
+  view_ = view;
+  if (through) RefreshThroughInputs();
+}
+
+std::array<bool, params::kChannelCount> DeviceEditor::ShownChannels() const {
+  std::array<bool, params::kChannelCount> shown{};
+  shown[Index(kInputCount)] = true;  // Out 1
+  for (std::size_t box = 0; box < view_.viewOut.size(); ++box)
+    shown[Index(kInputCount) + 1 + box] = view_.viewOut[box];
+  shown[Index(selected_)] = true;
+  return shown;
+}
+
+const graph::Curve& DeviceEditor::Magnitude(int channel) const {
+  if (view_.outPlusInput && channel >= kInputCount)
+    return throughMagnitude_[Index(channel - kInputCount)];
+  return tables_->ChannelMagnitude(channel);
+}
+
+const graph::Curve& DeviceEditor::Phase(int channel) const {
+  if (view_.outPlusInput && channel >= kInputCount)
+    return throughPhase_[Index(channel - kInputCount)];
+  return tables_->ChannelPhase(channel);
+}
+
+// The level the graph adds to a channel's magnitude; an output drawn through its input takes
+// the input's level too.
+float DeviceEditor::LevelDb(int channel) const {
+  float level = LevelOf(device_.image, channel);
+  if (view_.outPlusInput && channel >= kInputCount)
+    level += LevelOf(device_.image, params::OutputSource(device_.image, channel));
+  return level;
+}
+
+void DeviceEditor::RedrawGraph() {
+  if (curvesStale_) ComputeAll();
+}
+
+// The transfer's last stage: the whole preset is in the stores; the window shows it all.
+void DeviceEditor::RefreshControls(presets::PresetStage stage,
+                                   std::span<const presets::PresetStep> /*steps*/) {
+  if (stage != presets::PresetStage::MutesAgain) return;
+  if (curvesStale_) ComputeAll();
+  if (changed_) changed_({});
+}
+
+}  // namespace talvex::editor

@@ -1,0 +1,145 @@
+// The model of one editor window, without widgets: it owns nothing of the device but works on
+// the device's stores (the session keeps them), rules every edit through the one edit path,
+// hands the commands to the window's link, keeps the window's response tables up to date, and
+// knows what the graph shows. It is the editor's side of the whole-preset transfer (a
+// PresetView): a preset applied to the device refreshes the curves, then the window.
+//
+// Everything here runs on the interface thread and never waits on the line: the commands go to
+// an EditorLink, which queues them on the link worker.
+#pragma once
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "editor/model/controls.h"
+#include "editor/model/entry_keys.h"
+#include "graph/response_tables.h"
+#include "presets/preset_transfer.h"
+
+namespace talvex::editor {
+
+// Where an editor's commands go: to its device, through the link worker. Each command is
+// coalesced with a waiting command of the same parameter (the newest wins).
+class EditorLink {
+ public:
+  virtual ~EditorLink() = default;
+  virtual void Send(std::span<const params::ParamEdit> edits) = 0;
+};
+
+// What an edit did, for the window.
+struct EditOutcome {
+  // Non-empty: the system's message, to show titled "Warning"; nothing changed, nothing sent.
+  std::string_view message;
+  std::string shown;                      // the edited control's text now
+  int position = 0;                       // the edited control's position now
+  std::vector<params::ParamRef> changed;  // every parameter the edit changed (linked twins too)
+  bool Applied() const { return !changed.empty(); }
+};
+
+// Which curves the graph draws: `Check4`..`Check8` ("View Out2" .. "View Out6"), "Show cursor",
+// and the option pair `Option1` "Out" / `Option2` "Out + InputB" (outputs drawn alone, or
+// through the input that feeds them).
+struct GraphView {
+  std::array<bool, 5> viewOut{true, true, true, true, true};  // Out 2 .. Out 6
+  bool showCursor = false;
+  bool outPlusInput = false;
+};
+
+class DeviceEditor final : public presets::PresetView {
+ public:
+  DeviceEditor(int deviceId, params::DeviceParams& device, params::DecimalMark mark,
+               EditorLink& link);
+
+  int DeviceId() const { return deviceId_; }
+  params::DecimalMark Mark() const { return mark_; }
+  const params::DeviceParams& Device() const { return device_; }
+
+  // The editor's load: the whole-preset transfer with sending suspended fills every control and
+  // the graph; nothing is sent.
+  void Load();
+
+  // An entry box's key (see entry_keys.h), with the input-suppress flag.
+  KeyOutcome Key(int key) const;
+  // Enter in a box: read, clamp, snap, send.
+  EditOutcome Commit(const params::ParamRef& ref, std::string_view text);
+  // A slider, scroll bar or up-down position; the value is sent once.
+  EditOutcome Move(const params::ParamRef& ref, int position);
+  // Up-down steps from the current position (a band frequency one table step, a delay's coarse
+  // step 48 samples, its fine step one), held to the control's range.
+  EditOutcome Step(const ControlId& upDown, int steps);
+  // A list, option or check box.
+  EditOutcome Choose(const params::ParamRef& ref, int choice);
+  // "Flat Eq".
+  EditOutcome FlattenEq(int channel);
+  // What a control shows now.
+  params::ShownParam Show(const params::ParamRef& ref) const;
+
+  // The input-suppress flag: while set, entry boxes ignore every key (a whole preset is being
+  // applied or sent, and a typed value would be lost under it).
+  void SetInputSuppressed(bool suppressed) { inputSuppressed_ = suppressed; }
+  bool InputSuppressed() const { return inputSuppressed_; }
+  // The lock: the device's system lock (record byte 327) or the editor's own "Lock unit"
+  // (`Check10`, a guard against stray edits during a show). The enable routine: edits are
+  // allowed only while neither is set; the window disables its controls, and the model refuses
+  // edits that come anyway.
+  bool DeviceLocked() const;
+  void SetEditorLock(bool locked) { editorLock_ = locked; }
+  bool EditorLock() const { return editorLock_ || DeviceLocked(); }
+  bool EditsEnabled() const { return !EditorLock(); }
+
+  // The selected channel, whose controls the window shows.
+  int SelectedChannel() const { return selected_; }
+  void SelectChannel(int channel);
+
+  const GraphView& View() const { return view_; }
+  void SetView(const GraphView& view);
+  // Out 1 always, Out 2 .. Out 6 by their view boxes, and the selected channel.
+  std::array<bool, params::kChannelCount> ShownChannels() const;
+  // The curves the graph draws for a channel: its own, or with "Out + InputB" an output's
+  // through its source input (magnitudes added in dB, phases added and folded).
+  const graph::Curve& Magnitude(int channel) const;
+  const graph::Curve& Phase(int channel) const;
+  float LevelDb(int channel) const;
+  const graph::ResponseTables& Tables() const { return *tables_; }
+
+  // Told after every change the window must show: an edit's parameters, or (empty) everything,
+  // after a whole preset was applied.
+  void OnChanged(std::function<void(std::span<const params::ParamRef>)> changed) {
+    changed_ = std::move(changed);
+  }
+
+  // PresetView: the whole-preset transfer's hooks.
+  void RecomputeCrossoverResponses() override { curvesStale_ = true; }
+  void RecomputeBandResponses() override { curvesStale_ = true; }
+  void RedrawGraph() override;
+  void RefreshControls(presets::PresetStage stage,
+                       std::span<const presets::PresetStep> steps) override;
+
+ private:
+  EditOutcome Finish(const params::EditResult& result);
+  void UpdateCurves(std::span<const params::ParamRef> changed);
+  void ComputeAll();
+  void RefreshThroughInputs();
+  params::EditOptions Options() const;
+
+  int deviceId_;
+  params::DeviceParams& device_;
+  params::DecimalMark mark_;
+  EditorLink& link_;
+  std::unique_ptr<graph::ResponseTables> tables_;
+  // An output's curves through its source input, for "Out + InputB".
+  std::array<graph::Curve, params::kOutputCount> throughMagnitude_{};
+  std::array<graph::Curve, params::kOutputCount> throughPhase_{};
+  GraphView view_;
+  int selected_ = 0;
+  bool inputSuppressed_ = false;
+  bool editorLock_ = false;
+  bool curvesStale_ = false;
+  std::function<void(std::span<const params::ParamRef>)> changed_;
+};
+
+}  // namespace talvex::editor
