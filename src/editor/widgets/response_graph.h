@@ -86,7 +86,7 @@ class ResponseGraph : public QWidget {
   GraphCurves curves_;
   int dpi_ = 0;
   std::shared_ptr<const graph::GraphGeometry> geometry_;
-  // One curve's points, filled and drawn in turn: a paint allocates nothing.
+  // One curve's points, filled and drawn in turn: drawing the curves allocates nothing.
   mutable std::vector<QPointF> points_;
 };
 
