@@ -1,0 +1,311 @@
+#include "editor/widgets/response_graph.h"
+
+#include <QEvent>
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QPalette>
+#include <algorithm>
+#include <cmath>
+
+#include "graph/frequency_grid.h"
+
+namespace talvex::editor {
+
+namespace {
+
+using graph::GraphGeometry;
+
+struct FrequencyLabel {
+  int hz;
+  const char* text;
+};
+
+// The labelled frequencies; a stronger grid line runs through each. The unlabelled lines run
+// through the other whole multiples of each decade (30, 40, 60 .. 90, 300, ...).
+constexpr std::array<FrequencyLabel, 10> kFrequencyLabels = {{{20, "20"},
+                                                              {50, "50"},
+                                                              {100, "100"},
+                                                              {200, "200"},
+                                                              {500, "500"},
+                                                              {1000, "1k"},
+                                                              {2000, "2k"},
+                                                              {5000, "5k"},
+                                                              {10000, "10k"},
+                                                              {20000, "20k"}}};
+constexpr int kLowestHz = 20;
+constexpr int kHighestHz = 20000;
+
+// dB rows every 10 dB over the whole 60 dB scale; degree marks every 90 degrees over one turn.
+constexpr int kDbStep = 10;
+constexpr int kDbLimit = 30;
+constexpr int kDegreeStep = 90;
+constexpr int kDegreeLimit = 180;
+
+const char* const kDbUnit = "[dB]";
+const char* const kDegreeUnit = "[\u00b0]";
+const char* const kFrequencyUnit = "[Hz]";
+
+// The curve starts at the last grid point below 20 Hz: its x is -1, one pixel left of the plot,
+// so the first visible segment runs into the left edge with the curve's own slope. The points
+// below it (10 .. 18 Hz) all share that x and would only draw a clipped vertical stub.
+constexpr int FirstDrawnPoint() {
+  int point = 0;
+  while (graph::GridHz(point) < kLowestHz)
+    ++point;
+  return point - 1;
+}
+constexpr int kFirstDrawnPoint = FirstDrawnPoint();
+constexpr int kDrawnPointCount = graph::kGridPointCount - kFirstDrawnPoint;
+
+// Pixels a span of the plot covers; the geometry's single-precision values may carry a last
+// bit of noise (191/s x 60/60 is not always 191/s exactly), which must not add a pixel.
+int PixelsSpanning(float length) {
+  return static_cast<int>(std::ceil(length - 1e-3f));
+}
+
+// The grid and the frame are shades between the plot's background and its text, so a dark
+// palette gets a dark plot with light lines.
+QColor Blend(const QColor& from, const QColor& to, double amount) {
+  const auto mix = [amount](int a, int b) {
+    return static_cast<int>(std::lround(a + (b - a) * amount));
+  };
+  return QColor(mix(from.red(), to.red()), mix(from.green(), to.green()),
+                mix(from.blue(), to.blue()));
+}
+
+QString NumberText(int value) {
+  return QString::number(value);
+}
+
+// The sizes the labels need, in pixels, from the font on the device painted on.
+struct LabelMetrics {
+  explicit LabelMetrics(const QFontMetricsF& metrics)
+      : gap(std::ceil(metrics.height() / 4)),
+        tick(std::ceil(metrics.height() / 3)),
+        textHeight(std::ceil(metrics.height())),
+        dbWidth(metrics.horizontalAdvance(kDbUnit)),
+        degreeWidth(metrics.horizontalAdvance(kDegreeUnit)),
+        halfFirstFrequency(metrics.horizontalAdvance(kFrequencyLabels.front().text) / 2),
+        halfLastFrequency(metrics.horizontalAdvance(kFrequencyLabels.back().text) / 2),
+        frequencyUnitWidth(metrics.horizontalAdvance(kFrequencyUnit)) {
+    for (int db = -kDbLimit; db <= kDbLimit; db += kDbStep)
+      dbWidth = std::max(dbWidth, metrics.horizontalAdvance(NumberText(db)));
+    for (int degrees = -kDegreeLimit; degrees <= kDegreeLimit; degrees += kDegreeStep)
+      degreeWidth = std::max(degreeWidth, metrics.horizontalAdvance(NumberText(degrees)));
+  }
+
+  // Left of the plot's first column: the right edge of the dB column.
+  qreal DbColumn() const { return 1 + gap; }
+  // Right of the plot's last column: the left edge of the degree column, and of the Hz unit,
+  // which sits in that column unless the last frequency label reaches into it.
+  qreal DegreeColumn() const { return 1 + tick + gap; }
+  qreal FrequencyUnitColumn() const { return std::max(DegreeColumn(), halfLastFrequency + gap); }
+
+  qreal gap;   // between a label and the frame, or between two labels
+  qreal tick;  // the degree marks outside the right edge
+  qreal textHeight;
+  qreal dbWidth;      // the widest dB label or unit
+  qreal degreeWidth;  // the widest degree label or unit
+  qreal halfFirstFrequency;
+  qreal halfLastFrequency;
+  qreal frequencyUnitWidth;
+};
+
+// A label centred on (x, y), or right- or left-aligned against x.
+void DrawLabel(QPainter& painter, qreal x, qreal y, const QString& text, Qt::Alignment horizontal,
+               const LabelMetrics& labels) {
+  const qreal width = painter.fontMetrics().horizontalAdvance(text);
+  qreal left = x - width / 2;
+  if (horizontal == Qt::AlignRight) left = x - width;
+  if (horizontal == Qt::AlignLeft) left = x;
+  const QRectF box(left, y - labels.textHeight / 2, width, labels.textHeight);
+  painter.drawText(box, static_cast<int>(horizontal | Qt::AlignVCenter | Qt::TextDontClip), text);
+}
+
+void PaintGrid(QPainter& painter, const GraphGeometry& geometry, const QRect& plot,
+               const QPalette& palette) {
+  const QColor base = palette.color(QPalette::Base);
+  const QColor text = palette.color(QPalette::Text);
+  painter.fillRect(plot, base);
+  painter.setClipRect(plot);
+  painter.setPen(QPen(Blend(base, text, 0.12), 0));
+  for (int decade = 10; decade <= kHighestHz; decade *= 10) {
+    for (int multiple = 1; multiple <= 9; ++multiple) {
+      const int hz = multiple * decade;
+      if (hz < kLowestHz || hz > kHighestHz) continue;
+      const qreal x = plot.left() + geometry.FrequencyX(hz);
+      painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
+    }
+  }
+  painter.setPen(QPen(Blend(base, text, 0.28), 0));
+  for (const FrequencyLabel& label : kFrequencyLabels) {
+    const qreal x = plot.left() + geometry.FrequencyX(label.hz);
+    painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
+  }
+  for (int db = -kDbLimit; db <= kDbLimit; db += kDbStep) {
+    painter.setPen(QPen(Blend(base, text, db == 0 ? 0.5 : 0.28), 0));
+    const qreal y = plot.top() + geometry.MagnitudeY(static_cast<float>(db));
+    painter.drawLine(QPointF(plot.left(), y), QPointF(plot.right(), y));
+  }
+  painter.setClipping(false);
+  painter.setPen(QPen(Blend(base, text, 0.6), 0));
+  painter.drawRect(plot.adjusted(-1, -1, 0, 0));  // the one-pixel frame just outside the plot
+}
+
+void PaintLabels(QPainter& painter, const GraphGeometry& geometry, const QRect& plot,
+                 const QPalette& palette, const LabelMetrics& labels) {
+  painter.setPen(palette.color(QPalette::WindowText));
+  const qreal dbColumn = plot.left() - labels.DbColumn();
+  const qreal degreeColumn = plot.right() + 1 + labels.DegreeColumn();
+  for (int db = -kDbLimit; db <= kDbLimit; db += kDbStep) {
+    const qreal y = plot.top() + geometry.MagnitudeY(static_cast<float>(db));
+    DrawLabel(painter, dbColumn, y, NumberText(db), Qt::AlignRight, labels);
+  }
+  for (int degrees = -kDegreeLimit; degrees <= kDegreeLimit; degrees += kDegreeStep) {
+    const qreal y = plot.top() + geometry.PhaseY(static_cast<float>(degrees));
+    painter.drawLine(QPointF(plot.right() + 2, y), QPointF(plot.right() + 1 + labels.tick, y));
+    DrawLabel(painter, degreeColumn, y, NumberText(degrees), Qt::AlignLeft, labels);
+  }
+  // The units above the label columns, and beside the frequencies at the bottom right.
+  const qreal unitRow = plot.top() - labels.textHeight;
+  DrawLabel(painter, dbColumn, unitRow, kDbUnit, Qt::AlignRight, labels);
+  DrawLabel(painter, degreeColumn, unitRow, kDegreeUnit, Qt::AlignLeft, labels);
+  // Below the plot, clear of the lowest dB and degree labels, which reach half a line down.
+  const qreal frequencyRow = plot.bottom() + 1 + labels.gap + labels.textHeight;
+  for (const FrequencyLabel& label : kFrequencyLabels) {
+    const qreal x = plot.left() + geometry.FrequencyX(label.hz);
+    DrawLabel(painter, x, frequencyRow, label.text, Qt::AlignHCenter, labels);
+  }
+  DrawLabel(painter, plot.right() + 1 + labels.FrequencyUnitColumn(), frequencyRow, kFrequencyUnit,
+            Qt::AlignLeft, labels);
+}
+
+}  // namespace
+
+GraphLayout LayoutGraph(const GraphGeometry& geometry, const QFontMetricsF& metrics) {
+  const LabelMetrics labels(metrics);
+  const int plotWidth = PixelsSpanning(geometry.GraphWidth());
+  const int plotHeight = PixelsSpanning(geometry.DbScale() * graph::kMagnitudeRangeDb);
+  // Each side margin holds its label column and a gap to the window's edge; the first and the
+  // last frequency label are centred on the plot's edges and reach half their width beyond.
+  const qreal left =
+      std::max(labels.DbColumn() + labels.dbWidth, labels.halfFirstFrequency) + labels.gap;
+  const qreal right = std::max(labels.DegreeColumn() + labels.degreeWidth,
+                               labels.FrequencyUnitColumn() + labels.frequencyUnitWidth) +
+                      labels.gap;
+  // Above: a gap, the unit row and the upper half of the top labels; below: the lower half of
+  // the bottom labels, the frequency row (its centre a line and a gap below the plot) and a gap.
+  const qreal top = labels.gap + labels.textHeight * 1.5;
+  const qreal bottom = 1 + labels.gap + labels.textHeight * 1.5 + labels.gap;
+  const QRect plot(static_cast<int>(std::ceil(left)), static_cast<int>(std::ceil(top)), plotWidth,
+                   plotHeight);
+  return {plot, QSize(plot.right() + 1 + static_cast<int>(std::ceil(right)),
+                      plot.bottom() + 1 + static_cast<int>(std::ceil(bottom)))};
+}
+
+ResponseGraph::ResponseGraph(QWidget* parent)
+    : QWidget(parent), points_(static_cast<std::size_t>(kDrawnPointCount)) {
+  setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+  setAccessibleName("Response graph");
+  FollowDpi();
+}
+
+void ResponseGraph::SetCurves(const GraphCurves& curves) {
+  curves_ = curves;
+  update();
+}
+
+QRect ResponseGraph::PlotRect() const {
+  return LayoutGraph(*geometry_, QFontMetricsF(font(), this)).plot.translated(GraphOrigin());
+}
+
+QSize ResponseGraph::sizeHint() const {
+  return LayoutGraph(*geometry_, QFontMetricsF(font(), this)).size;
+}
+
+QSize ResponseGraph::minimumSizeHint() const {
+  return sizeHint();
+}
+
+QPoint ResponseGraph::GraphOrigin() const {
+  const QSize graph = sizeHint();
+  return {std::max(0, (width() - graph.width()) / 2), std::max(0, (height() - graph.height()) / 2)};
+}
+
+void ResponseGraph::FollowDpi() {
+  const int dpi = logicalDpiX();
+  if (dpi == dpi_ && geometry_) return;
+  geometry_ = std::make_shared<const GraphGeometry>(dpi);
+  dpi_ = dpi;
+  updateGeometry();
+  update();
+}
+
+bool ResponseGraph::event(QEvent* event) {
+  switch (event->type()) {
+    case QEvent::ScreenChangeInternal:
+    case QEvent::Show:
+      FollowDpi();
+      break;
+    case QEvent::FontChange:
+      updateGeometry();
+      break;
+    default:
+      break;
+  }
+  return QWidget::event(event);
+}
+
+void ResponseGraph::paintEvent(QPaintEvent*) {
+  FollowDpi();  // a dpi change that came with no event of its own
+  QPainter painter(this);
+  painter.translate(GraphOrigin());
+  Paint(painter, *geometry_);
+}
+
+void ResponseGraph::Paint(QPainter& painter, const GraphGeometry& geometry) const {
+  painter.save();
+  painter.setFont(font());
+  const QFontMetricsF metrics(font(), painter.device());
+  const GraphLayout layout = LayoutGraph(geometry, metrics);
+  const QPalette& colours = palette();
+  painter.fillRect(QRect(QPoint(0, 0), layout.size), colours.color(QPalette::Window));
+  painter.setRenderHint(QPainter::Antialiasing, false);
+  PaintGrid(painter, geometry, layout.plot, colours);
+  PaintLabels(painter, geometry, layout.plot, colours, LabelMetrics(metrics));
+  PaintCurves(painter, geometry, layout.plot);
+  painter.restore();
+}
+
+// Every phase curve first, then every magnitude curve over them; channels in index order.
+// Points outside the plot (x = -1 at the start, a deep cut below the bottom) are clipped.
+void ResponseGraph::PaintCurves(QPainter& painter, const GraphGeometry& geometry,
+                                const QRect& plot) const {
+  const graph::ResponseTables* tables = curves_.tables;
+  if (tables == nullptr) return;
+  const QPointF origin = plot.topLeft();
+  painter.setClipRect(plot);
+  for (int j = 0; j < kDrawnPointCount; ++j)
+    points_[static_cast<std::size_t>(j)].setX(
+        origin.x() + geometry.FrequencyX(graph::GridHz(kFirstDrawnPoint + j)));
+  const auto draw = [&](int channel, const graph::Curve& curve, auto y) {
+    for (int j = 0; j < kDrawnPointCount; ++j)
+      points_[static_cast<std::size_t>(j)].setY(origin.y() + y(curve[kFirstDrawnPoint + j]));
+    painter.setPen(QPen(QColor(kChannelColours[static_cast<std::size_t>(channel)]), 0));
+    painter.drawPolyline(points_.data(), kDrawnPointCount);
+  };
+  for (int channel = 0; channel < graph::kChannelCount; ++channel) {
+    if (!curves_.shown[static_cast<std::size_t>(channel)]) continue;
+    draw(channel, tables->ChannelPhase(channel),
+         [&](float degrees) { return geometry.PhaseY(degrees); });
+  }
+  for (int channel = 0; channel < graph::kChannelCount; ++channel) {
+    if (!curves_.shown[static_cast<std::size_t>(channel)]) continue;
+    const float level = curves_.levelDb[static_cast<std::size_t>(channel)];
+    draw(channel, tables->ChannelMagnitude(channel),
+         [&](float db) { return geometry.MagnitudeY(db + level); });
+  }
+  painter.setClipping(false);
+}
+
+}  // namespace talvex::editor
