@@ -36,11 +36,8 @@ void PaintGraph(benchmark::State& state, bool withCurves) {
   const auto tables = std::make_unique<graph::ResponseTables>();
   tables->ComputeAll(graph::BusySettings());
   GraphCurves curves;
-  if (withCurves) curves.tables = tables.get();
-  for (int channel = 0; channel < graph::kChannelCount; ++channel) {
-    curves.shown[static_cast<std::size_t>(channel)] = true;
-    curves.levelDb[static_cast<std::size_t>(channel)] = static_cast<float>(channel - 3);
-  }
+  for (int channel = 0; channel < graph::kChannelCount && withCurves; ++channel)
+    curves.Show(*tables, channel, static_cast<float>(channel - 3));
   ResponseGraph graph;
   graph.SetCurves(curves);
   const graph::GraphGeometry geometry(dpi);

@@ -8,6 +8,8 @@
 #include <QStatusBar>
 #include <QStyle>
 
+#include "app/editor_link.h"
+
 namespace talvex::app {
 
 MainWindow::MainWindow(std::unique_ptr<Session> session, UserDialogs& dialogs, QWidget* parent)
@@ -18,7 +20,7 @@ MainWindow::MainWindow(std::unique_ptr<Session> session, UserDialogs& dialogs, Q
   BuildMenus();
   lineState_ = new QLabel;
   statusBar()->addPermanentWidget(lineState_);
-  resize(QSize(1000, 680).boundedTo(screen()->availableGeometry().size()));
+  resize(QSize(1280, 860).boundedTo(screen()->availableGeometry().size()));
   connect(session_.get(), &Session::startupFinished, this, &MainWindow::FinishStartup);
   connect(session_.get(), &Session::searchStarted, this, &MainWindow::ShowSearch);
   connect(session_.get(), &Session::searchEnded, this, [this] {
@@ -121,9 +123,9 @@ void MainWindow::OpenEditor(int deviceId, int slot) {
     errorsReported_ = true;
   }
   auto* editor =
-      new editor::CtrlWindow(deviceId, slot, [this, deviceId] { return MayCloseEditor(deviceId); });
-  const DeviceEntry& device = session_->Device(deviceId);
-  editor->ShowDevice(device.name, device.params);
+      new editor::CtrlWindow(deviceId, slot, session_->Device(deviceId).params, session_->Mark(),
+                             std::make_unique<SessionEditorLink>(*session_, deviceId), dialogs_,
+                             [this, deviceId] { return MayCloseEditor(deviceId); });
   connect(editor, &editor::CtrlWindow::closed, this, &MainWindow::EditorClosed);
   connect(editor, &editor::CtrlWindow::disconnectRequested, this, &MainWindow::Unconnect);
   editors_[static_cast<std::size_t>(slot)] = editor;
@@ -135,11 +137,11 @@ void MainWindow::OpenEditor(int deviceId, int slot) {
 
 // Editors cascade to the right of the device list, each slot a step further, inside the area.
 void MainWindow::PlaceEditor(QMdiSubWindow* sub, int slot) const {
-  const QSize size = sub->sizeHint().expandedTo({320, 280});
+  const QRect room = area_->viewport()->rect();
+  const QSize size = sub->sizeHint().expandedTo({320, 280}).boundedTo(room.size());
   const int step = sub->style()->pixelMetric(QStyle::PM_TitleBarHeight) + 4;
   const QPoint wanted(deviceList_ ? deviceList_->parentWidget()->geometry().right() + 12 : 8, 8);
   const QPoint at = wanted + QPoint(step * slot, step * slot);
-  const QRect room = area_->viewport()->rect();
   sub->resize(size);
   sub->move(std::clamp(at.x(), 0, std::max(0, room.width() - size.width())),
             std::clamp(at.y(), 0, std::max(0, room.height() - size.height())));

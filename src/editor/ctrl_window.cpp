@@ -1,45 +1,187 @@
 #include "editor/ctrl_window.h"
 
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QHBoxLayout>
-#include <QPushButton>
+#include <QPointer>
+#include <QRadioButton>
+#include <QScrollArea>
+#include <QSignalBlocker>
+#include <QStyle>
+#include <QTabBar>
+#include <QTimer>
+#include <QToolBar>
 #include <QVBoxLayout>
 
+#include "editor/widgets/channel_page.h"
+#include "editor/widgets/response_graph.h"
+#include "editor/widgets/signal_chain.h"
 #include "params/captions.h"
-#include "params/image_decode.h"
 
 namespace talvex::editor {
 
-CtrlWindow::CtrlWindow(int deviceId, int slot, std::function<bool()> mayClose, QWidget* parent)
+CtrlWindow::CtrlWindow(int deviceId, int slot, params::DeviceParams& device,
+                       params::DecimalMark mark, std::unique_ptr<EditorLink> link,
+                       UserDialogs& dialogs, std::function<bool()> mayClose, QWidget* parent)
     : QWidget(parent),
       deviceId_(deviceId),
       slot_(slot),
-      mayClose_(std::move(mayClose)),
-      summary_(new QFormLayout) {
+      link_(std::move(link)),
+      model_(deviceId, device, mark, *link_),
+      context_{model_, dialogs},
+      mayClose_(std::move(mayClose)) {
   setAttribute(Qt::WA_DeleteOnClose);
-  auto* disconnect = new QPushButton(kDisconnectAction);
-  connect(disconnect, &QPushButton::clicked, this, [this] { emit disconnectRequested(deviceId_); });
-  auto* buttons = new QHBoxLayout;
-  buttons->addWidget(disconnect);
-  buttons->addStretch(1);
-  auto* layout = new QVBoxLayout(this);
-  layout->addLayout(buttons);
-  layout->addLayout(summary_);
+  // The editor's load: the stores are applied to the model with sending suspended.
+  model_.Load();
+  model_.OnChanged([this](std::span<const params::ParamRef>) { ShowChanges(); });
+
+  BuildToolbar();
+  chain_ = new SignalChain(model_);
+  auto* top = new QHBoxLayout;
+  top->addWidget(chain_, 1);
+  top->addWidget(BuildGraphPanel());
+  auto* content = new QWidget;
+  auto* layout = new QVBoxLayout(content);
+  layout->addLayout(top);
+  layout->addWidget(BuildTabs());
+  page_ = new ChannelPage(context_);
+  layout->addWidget(page_);
   layout->addStretch(1);
+  content_ = content;
+  auto* scroll = new QScrollArea;
+  scroll->setWidget(content);
+  scroll->setWidgetResizable(true);
+  scroll->setFrameShape(QFrame::NoFrame);
+  auto* outer = new QVBoxLayout(this);
+  outer->setContentsMargins(0, 0, 0, 0);
+  outer->setSpacing(0);
+  outer->addWidget(toolbar_);
+  outer->addWidget(scroll);
+
+  connect(chain_, &SignalChain::channelSelected, this, &CtrlWindow::SelectChannel);
+  setWindowTitle(QString::fromStdString(
+      params::EditorCaption(deviceId_, device.image[params::kSystemTypeByte])));
+  SelectChannel(0);
+  UpdateView();
+  page_->Refresh();
+
+  meterTimer_ = new QTimer(this);
+  connect(meterTimer_, &QTimer::timeout, this, &CtrlWindow::PollMeters);
+  meterTimer_->start(kMeterIntervalMs);
 }
 
-void CtrlWindow::ShowDevice(const std::string& name, const params::DeviceParams& device) {
-  const int type = device.image[params::kSystemTypeByte];
-  setWindowTitle(QString::fromStdString(params::EditorCaption(deviceId_, type)));
-  while (summary_->rowCount() > 0)
-    summary_->removeRow(0);
-  summary_->addRow("Name:", new QLabel(QString::fromStdString(name)));
-  summary_->addRow("System type:",
-                   new QLabel(QString::fromStdString(params::SystemTypeText(type))));
-  for (int channel = 2; channel < params::kChannelCount; ++channel) {
-    summary_->addRow(QString("Out %1:").arg(channel - 1),
-                     new QLabel(QString::fromStdString(params::OutputName(device.image, channel))));
+CtrlWindow::~CtrlWindow() = default;
+
+void CtrlWindow::BuildToolbar() {
+  toolbar_ = new QToolBar;
+  toolbar_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+  QAction* disconnect =
+      toolbar_->addAction(style()->standardIcon(QStyle::SP_DialogCancelButton), kDisconnectAction);
+  disconnect->setToolTip("Send the device its release and close this editor");
+  connect(disconnect, &QAction::triggered, this, [this] { emit disconnectRequested(deviceId_); });
+}
+
+QWidget* CtrlWindow::BuildGraphPanel() {
+  graph_ = new ResponseGraph;
+  graph_->setAccessibleName("Response graph");
+  auto* boxes = new QHBoxLayout;
+  for (std::size_t box = 0; box < viewBoxes_.size(); ++box) {
+    viewBoxes_[box] = new QCheckBox(QString("View Out%1").arg(box + 2));
+    boxes->addWidget(viewBoxes_[box]);
+    connect(viewBoxes_[box], &QCheckBox::toggled, this, &CtrlWindow::UpdateView);
   }
+  boxes->addStretch(1);
+  auto* options = new QHBoxLayout;
+  showCursor_ = new QCheckBox("Show cursor");
+  outAlone_ = new QRadioButton("Out");
+  outAlone_->setToolTip("Draw each output's own response");
+  outThroughInput_ = new QRadioButton("Out + InputB");
+  outThroughInput_->setToolTip("Draw each output together with the input that feeds it");
+  for (QWidget* widget : std::initializer_list<QWidget*>{showCursor_, outAlone_, outThroughInput_})
+    options->addWidget(widget);
+  options->addStretch(1);
+  connect(showCursor_, &QCheckBox::toggled, graph_, &ResponseGraph::SetCursorShown);
+  connect(outThroughInput_, &QRadioButton::toggled, this, &CtrlWindow::UpdateView);
+  const GraphView& view = model_.View();
+  for (std::size_t box = 0; box < viewBoxes_.size(); ++box) {
+    const QSignalBlocker quiet(viewBoxes_[box]);
+    viewBoxes_[box]->setChecked(view.viewOut[box]);
+  }
+  const QSignalBlocker quiet(outThroughInput_);
+  (view.outPlusInput ? outThroughInput_ : outAlone_)->setChecked(true);
+  auto* panel = new QWidget;
+  auto* layout = new QVBoxLayout(panel);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(graph_);
+  layout->addLayout(boxes);
+  layout->addLayout(options);
+  return panel;
+}
+
+QWidget* CtrlWindow::BuildTabs() {
+  tabs_ = new QTabBar;
+  tabs_->setAccessibleName("Channels");
+  tabs_->setExpanding(false);
+  for (int channel = 0; channel < params::kChannelCount; ++channel)
+    tabs_->addTab(QString::fromStdString(ChannelCaption(channel)));
+  connect(tabs_, &QTabBar::currentChanged, this, &CtrlWindow::SelectChannel);
+  return tabs_;
+}
+
+void CtrlWindow::SelectChannel(int channel) {
+  if (channel < 0) return;
+  if (tabs_->currentIndex() != channel) tabs_->setCurrentIndex(channel);  // comes back here
+  chain_->Select(channel);
+  if (page_ && model_.SelectedChannel() != channel) page_->Bind(channel);
+  UpdateGraph();
+}
+
+// After an edit or a whole preset: every control, the chain and the graph show the stores.
+void CtrlWindow::ShowChanges() {
+  page_->Refresh();
+  chain_->Refresh();
+  UpdateGraph();
+}
+
+void CtrlWindow::UpdateView() {
+  GraphView view = model_.View();
+  for (std::size_t box = 0; box < viewBoxes_.size(); ++box)
+    view.viewOut[box] = viewBoxes_[box]->isChecked();
+  view.outPlusInput = outThroughInput_->isChecked();
+  model_.SetView(view);
+  UpdateGraph();
+}
+
+void CtrlWindow::UpdateGraph() {
+  GraphCurves curves;
+  const auto shown = model_.ShownChannels();
+  for (int channel = 0; channel < params::kChannelCount; ++channel) {
+    const auto at = static_cast<std::size_t>(channel);
+    if (!shown[at]) continue;
+    curves.magnitude[at] = &model_.Magnitude(channel);
+    curves.phase[at] = &model_.Phase(channel);
+    curves.levelDb[at] = model_.LevelDb(channel);
+  }
+  graph_->SetCurves(curves);
+}
+
+void CtrlWindow::PollMeters() {
+  if (!isVisible()) return;
+  QPointer<CtrlWindow> self(this);
+  link_->PollMeters([self](const EditorLink::MeterLevels& levels) {
+    if (self) self->chain_->SetMeters(levels);
+  });
+}
+
+// The whole editor, toolbar and content, as the scroll area would show it without scrolling.
+QSize CtrlWindow::sizeHint() const {
+  const QSize content = content_->sizeHint();
+  return {content.width() + style()->pixelMetric(QStyle::PM_ScrollBarExtent),
+          content.height() + toolbar_->sizeHint().height()};
+}
+
+void CtrlWindow::SetCursorShown(bool shown) {
+  showCursor_->setChecked(shown);
 }
 
 void CtrlWindow::CloseWithoutAsking() {
@@ -53,6 +195,7 @@ void CtrlWindow::closeEvent(QCloseEvent* event) {
     return;
   }
   asked_ = true;
+  meterTimer_->stop();
   emit closed(slot_);
   event->accept();
 }

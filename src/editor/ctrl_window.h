@@ -1,30 +1,63 @@
-// The editor window of one connected device. Its channel controls come with the channel editor;
-// for now it shows what the program knows of the device and lets the user disconnect it.
+// `FrmCtrl`, the editor window of one connected device: the signal chain, the response graph
+// with its view boxes, the channel tabs (`SSTab1`) and the selected channel's controls, and the
+// toolbar. It composes the panels and holds no rule: every edit goes to its DeviceEditor, whose
+// commands go to the device through the window's EditorLink (the link worker), so the window
+// never waits on the line.
 #pragma once
 
-#include <QFormLayout>
-#include <QLabel>
 #include <QWidget>
+#include <array>
 #include <functional>
+#include <memory>
 #include <string>
 
-#include "params/device_params.h"
+#include "editor/model/device_editor.h"
+#include "editor/user_dialogs.h"
+#include "editor/widgets/bound_controls.h"
+
+class QCheckBox;
+class QRadioButton;
+class QTabBar;
+class QTimer;
+class QToolBar;
 
 namespace talvex::editor {
 
+class ChannelPage;
+class ResponseGraph;
+class SignalChain;
+
 inline constexpr const char* kDisconnectAction = "Disconnect device";
+// The meters are asked for this often, and only while the line has nothing else to do.
+inline constexpr int kMeterIntervalMs = 200;
 
 class CtrlWindow : public QWidget {
   Q_OBJECT
 
  public:
-  // `mayClose` is asked before the window closes (the close question); it is not asked when the
-  // program closes the window itself (CloseWithoutAsking).
-  CtrlWindow(int deviceId, int slot, std::function<bool()> mayClose, QWidget* parent = nullptr);
+  // `device` is the session's record of the device: the window edits it in place. `mayClose`
+  // is asked before the window closes (the close question); it is not asked when the program
+  // closes the window itself (CloseWithoutAsking).
+  CtrlWindow(int deviceId, int slot, params::DeviceParams& device, params::DecimalMark mark,
+             std::unique_ptr<EditorLink> link, UserDialogs& dialogs, std::function<bool()> mayClose,
+             QWidget* parent = nullptr);
+  ~CtrlWindow() override;
 
   int DeviceId() const { return deviceId_; }
   int Slot() const { return slot_; }
-  void ShowDevice(const std::string& name, const params::DeviceParams& device);
+  DeviceEditor& Model() { return model_; }
+  ChannelPage& Page() const { return *page_; }
+  SignalChain& Chain() const { return *chain_; }
+  ResponseGraph& Graph() const { return *graph_; }
+  QTabBar& Tabs() const { return *tabs_; }
+  QToolBar& Toolbar() const { return *toolbar_; }
+
+  // Shows `channel`'s controls (the chain's button and the tab follow).
+  void SelectChannel(int channel);
+  // "Show cursor".
+  void SetCursorShown(bool shown);
+
+  QSize sizeHint() const override;
   void CloseWithoutAsking();
 
  signals:
@@ -35,11 +68,32 @@ class CtrlWindow : public QWidget {
   void closeEvent(QCloseEvent* event) override;
 
  private:
+  QWidget* BuildGraphPanel();
+  QWidget* BuildTabs();
+  void BuildToolbar();
+  void ShowChanges();
+  void UpdateGraph();
+  void UpdateView();
+  void PollMeters();
+
   int deviceId_;
   int slot_;
+  std::unique_ptr<EditorLink> link_;
+  DeviceEditor model_;
+  EditorContext context_;
   std::function<bool()> mayClose_;
   bool asked_ = false;
-  QFormLayout* summary_;
+  QToolBar* toolbar_ = nullptr;
+  QWidget* content_ = nullptr;
+  SignalChain* chain_ = nullptr;
+  ResponseGraph* graph_ = nullptr;
+  QTabBar* tabs_ = nullptr;
+  ChannelPage* page_ = nullptr;
+  std::array<QCheckBox*, 5> viewBoxes_{};
+  QCheckBox* showCursor_ = nullptr;
+  QRadioButton* outAlone_ = nullptr;
+  QRadioButton* outThroughInput_ = nullptr;
+  QTimer* meterTimer_ = nullptr;
 };
 
 }  // namespace talvex::editor

@@ -1,5 +1,7 @@
 #include "graph/graph_geometry.h"
 
+#include <algorithm>
+#include <cmath>
 #include <stdexcept>
 
 #include "graph/frequency_grid.h"
@@ -19,6 +21,10 @@ float DisplayScaleOf(int logicalDpi) {
   return static_cast<float>((72.0 / logicalDpi) / 0.75);
 }
 
+// The plot spans 20 Hz .. 20 kHz, three decades.
+constexpr double kLowestPlottedHz = 20.0;
+constexpr double kPlottedDecades = 3.0;
+
 }  // namespace
 
 GraphGeometry::GraphGeometry(int logicalDpi)
@@ -27,11 +33,18 @@ GraphGeometry::GraphGeometry(int logicalDpi)
       zeroLine_(kZeroLineAt96Dpi / displayScale_),
       dbScale_(kScaleHeightAt96Dpi / displayScale_ / kMagnitudeRangeDb),
       frequencyX_(static_cast<std::size_t>(kMaxHz) + 1, 0.0f) {
-  const double decades = Log10(20000.0) - Log10(20.0);
   for (int f = 10; f <= kMaxHz; ++f) {
     frequencyX_[static_cast<std::size_t>(f)] =
-        f < 20 ? -1.0f : static_cast<float>(Log10(f / 20.0) * graphWidth_ / decades);
+        f < kLowestPlottedHz
+            ? -1.0f
+            : static_cast<float>(Log10(f / kLowestPlottedHz) * graphWidth_ / kPlottedDecades);
   }
+}
+
+double GraphGeometry::FrequencyAtX(double x) const {
+  const double decades =
+      std::clamp(x, 0.0, static_cast<double>(graphWidth_)) / graphWidth_ * kPlottedDecades;
+  return kLowestPlottedHz * std::pow(10.0, decades);
 }
 
 float GraphGeometry::FrequencyX(int hz) const {

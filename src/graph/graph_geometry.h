@@ -32,6 +32,9 @@ class GraphGeometry {
   // x of a whole-hertz frequency 0..20000: -1 below 20 Hz (so the curve starts at the left
   // edge), 0 below 10 Hz. IndexError outside 0..20000.
   float FrequencyX(int hz) const;
+  // The frequency at x pixels from the plot's left edge (held to the plot): FrequencyX's
+  // inverse, for a cursor.
+  double FrequencyAtX(double x) const;
   // y of a magnitude in dB (the channel's response plus its level) and of a phase in degrees.
   float MagnitudeY(float db) const { return zeroLine_ - dbScale_ * db; }
   float PhaseY(float degrees) const { return zeroLine_ - kPhaseScale * degrees; }

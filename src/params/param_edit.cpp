@@ -240,7 +240,7 @@ std::string ChoiceText(const ParamRef& ref, int choice) {
     case ParamKind::Polarity:
       return std::string(PolarityLabels[i]);
     case ParamKind::Limiter:
-      return std::string(kLimitLabel) + std::string(LimiterLevelTexts[i]);
+      return std::string(LimiterLevelTexts[i]);
     case ParamKind::EqType:
       return std::string(EqTypeNames[i]);
     case ParamKind::OutputSource:

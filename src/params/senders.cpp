@@ -43,6 +43,11 @@ int StepOf(double value, double lo, int stepsPerUnit, int maxStep, const char* w
 
 }  // namespace
 
+std::string_view InputLabel(int source, int input) {
+  CheckIndex(input, kInputCount - 1, "input");
+  return source == 0 ? AnalogInputLabels[Index(input)] : kSpdifInputLabel;
+}
+
 std::string FitName(std::string_view name) {
   name = name.substr(0, kNameLength);
   static constexpr int kLeading[] = {6, 3, 2, 2, 1, 1, 0};
@@ -89,8 +94,8 @@ ParamEdit Senders::InputSource(int source) {
   ParamEdit edit;
   edit.command.code = code::kInputSource;
   edit.command.p(8) = static_cast<std::uint8_t>(device_.values.InputSource());
-  for (std::size_t input = 0; input < kInputCount; ++input)
-    edit.labels.emplace_back(source == 0 ? AnalogInputLabels[input] : kSpdifInputLabel);
+  for (int input = 0; input < kInputCount; ++input)
+    edit.labels.emplace_back(InputLabel(source, input));
   return edit;
 }
 

@@ -26,6 +26,9 @@ struct EqBandSetting {
   double gainDb = 0;          // -15 .. +15 in 0.5 dB steps
 };
 
+// The label of input 0 or 1 for an input source: "Input 1", "Input 2", or " SPDIF " for both.
+std::string_view InputLabel(int source, int input);
+
 // A name fitted into the six characters a device keeps, centred with blanks: 0 -> six
 // blanks, 1 -> 3 + name + 2, 2 -> 2 + 2, 3 -> 2 + 1, 4 -> 1 + 1, 5 -> 1 + name, 6 as is.
 // Longer names are cut to their first six characters (the name box takes no more).

@@ -48,6 +48,38 @@ std::array<std::uint8_t, 4> SplitToBytes(double value) {
           static_cast<std::uint8_t>(bits >> 8), static_cast<std::uint8_t>(bits)};
 }
 
+std::string ParameterKey(const Command& command) {
+  const std::string codeKey = std::to_string(command.code);
+  const auto with = [&](std::initializer_list<int> bytes) {
+    std::string key = codeKey;
+    for (int byte : bytes)
+      key += "/" + std::to_string(byte);
+    return key;
+  };
+  switch (command.code) {
+    case code::kChannelLevel:
+    case code::kDelay:
+    case code::kPolarity:
+    case code::kDbuLevel:  // threshold, attack and release travel together
+    case code::kOutputSource:
+    case code::kMute:
+    case code::kChannelName:
+      return with({command.p(1)});
+    case code::kCrossover:    // p2: high-pass or low-pass
+    case code::kEqBand:       // p2: the band in the channel; the command carries the whole band
+    case code::kMemoryWrite:  // p1, p2: the address
+      return with({command.p(1), command.p(2)});
+    case code::kLimiter:  // the channel rides in p1's high nibble
+      return with({command.p(1) >> 4});
+    case code::kInputSource:
+    case code::kChannelBits:  // the whole bit field
+    case code::kSwitch:
+      return codeKey;
+    default:
+      return {};
+  }
+}
+
 std::string FormatHex(std::span<const std::uint8_t> bytes) {
   static constexpr char kDigits[] = "0123456789ABCDEF";
   std::string text;

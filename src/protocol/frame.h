@@ -97,6 +97,12 @@ bool HasFrameEnvelope(std::span<const std::uint8_t> bytes);
 // values go out as bytes 2 and 3 of this result (the 16-bit high and low byte).
 std::array<std::uint8_t, 4> SplitToBytes(double value);
 
+// What a command sets, for commands that set one parameter as a whole ("5/2/3" for band 3 of
+// Out 1): a later command with the same key replaces the earlier one's effect, so a command
+// that still waits to go out may be dropped for it. Empty for commands that must each go out
+// (polls, reads, stores, releases).
+std::string ParameterKey(const Command& command);
+
 // "F0 81 03 10 01 70 00 00 00 00 00 00 F7": upper-case hex, single spaces.
 std::string FormatHex(std::span<const std::uint8_t> bytes);
 

@@ -90,6 +90,11 @@ params::ShownParam DeviceEditor::Show(const ParamRef& ref) const {
   return params::ShowParam(device_, ref, Options());
 }
 
+bool DeviceEditor::Applies(const ParamRef& ref) const {
+  if (ref.kind != ParamKind::EqQ) return true;
+  return params::BandWidthIndex(device_.image, ref.band) >= params::kFirstBellWidth;
+}
+
 bool DeviceEditor::DeviceLocked() const {
   return device_.image[params::kLockByte] != 0;
 }

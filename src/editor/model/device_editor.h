@@ -26,8 +26,14 @@ namespace talvex::editor {
 // coalesced with a waiting command of the same parameter (the newest wins).
 class EditorLink {
  public:
+  using MeterLevels = std::array<double, params::kChannelCount>;  // dBFS, -60 .. 0
+
   virtual ~EditorLink() = default;
   virtual void Send(std::span<const params::ParamEdit> edits) = 0;
+  // Asks the device for its level meters while the line has nothing else to do; `done` comes
+  // back on the interface thread with the levels of In A, In B, Out 1 .. Out 6. Nothing comes
+  // back while the line is busy, in demo mode, or when the device does not answer.
+  virtual void PollMeters(std::function<void(const MeterLevels&)> /*done*/) {}
 };
 
 // What an edit did, for the window.
@@ -77,6 +83,8 @@ class DeviceEditor final : public presets::PresetView {
   EditOutcome FlattenEq(int channel);
   // What a control shows now.
   params::ShownParam Show(const params::ParamRef& ref) const;
+  // Whether the parameter means anything as the device stands: a shelf has no Q.
+  bool Applies(const params::ParamRef& ref) const;
 
   // The input-suppress flag: while set, entry boxes ignore every key (a whole preset is being
   // applied or sent, and a typed value would be lost under it).

@@ -2,6 +2,7 @@
 
 #include <QEvent>
 #include <QFontMetricsF>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPalette>
 #include <algorithm>
@@ -210,6 +211,13 @@ ResponseGraph::ResponseGraph(QWidget* parent)
   FollowDpi();
 }
 
+void GraphCurves::Show(const graph::ResponseTables& tables, int channel, float level) {
+  const auto at = static_cast<std::size_t>(channel);
+  magnitude.at(at) = &tables.ChannelMagnitude(channel);
+  phase.at(at) = &tables.ChannelPhase(channel);
+  levelDb.at(at) = level;
+}
+
 void ResponseGraph::SetCurves(const GraphCurves& curves) {
   curves_ = curves;
   update();
@@ -274,6 +282,7 @@ void ResponseGraph::Paint(QPainter& painter, const GraphGeometry& geometry) cons
   PaintGrid(painter, geometry, layout.plot, colours);
   PaintLabels(painter, geometry, layout.plot, colours, LabelMetrics(metrics));
   PaintCurves(painter, geometry, layout.plot);
+  PaintCursor(painter, layout.plot);
   painter.restore();
 }
 
@@ -281,8 +290,6 @@ void ResponseGraph::Paint(QPainter& painter, const GraphGeometry& geometry) cons
 // Points outside the plot (x = -1 at the start, a deep cut below the bottom) are clipped.
 void ResponseGraph::PaintCurves(QPainter& painter, const GraphGeometry& geometry,
                                 const QRect& plot) const {
-  const graph::ResponseTables* tables = curves_.tables;
-  if (tables == nullptr) return;
   const QPointF origin = plot.topLeft();
   painter.setClipRect(plot);
   for (int j = 0; j < kDrawnPointCount; ++j)
@@ -295,17 +302,103 @@ void ResponseGraph::PaintCurves(QPainter& painter, const GraphGeometry& geometry
     painter.drawPolyline(points_.data(), kDrawnPointCount);
   };
   for (int channel = 0; channel < graph::kChannelCount; ++channel) {
-    if (!curves_.shown[static_cast<std::size_t>(channel)]) continue;
-    draw(channel, tables->ChannelPhase(channel),
-         [&](float degrees) { return geometry.PhaseY(degrees); });
+    if (const graph::Curve* phase = curves_.phase[static_cast<std::size_t>(channel)])
+      draw(channel, *phase, [&](float degrees) { return geometry.PhaseY(degrees); });
   }
   for (int channel = 0; channel < graph::kChannelCount; ++channel) {
-    if (!curves_.shown[static_cast<std::size_t>(channel)]) continue;
     const float level = curves_.levelDb[static_cast<std::size_t>(channel)];
-    draw(channel, tables->ChannelMagnitude(channel),
-         [&](float db) { return geometry.MagnitudeY(db + level); });
+    if (const graph::Curve* magnitude = curves_.magnitude[static_cast<std::size_t>(channel)])
+      draw(channel, *magnitude, [&](float db) { return geometry.MagnitudeY(db + level); });
   }
   painter.setClipping(false);
+}
+
+void ResponseGraph::SetCursorShown(bool shown) {
+  cursorShown_ = shown;
+  setMouseTracking(shown);
+  if (!shown) cursorX_.reset();
+  update();
+}
+
+ResponseGraph::CursorReading ResponseGraph::ReadingAt(double plotX) const {
+  const double hz = geometry_->FrequencyAtX(plotX);
+  // The grid point nearest the cursor's frequency.
+  const auto& grid = graph::kGridFrequencies;
+  auto above = std::lower_bound(grid.begin(), grid.end(), static_cast<float>(hz));
+  if (above == grid.end()) --above;
+  if (above != grid.begin() && hz - *(above - 1) < *above - hz) --above;
+  const int point = static_cast<int>(above - grid.begin());
+  CursorReading reading;
+  reading.hz = graph::GridHz(point);
+  for (int channel = 0; channel < graph::kChannelCount; ++channel) {
+    const auto at = static_cast<std::size_t>(channel);
+    const graph::Curve* magnitude = curves_.magnitude[at];
+    const graph::Curve* phase = curves_.phase[at];
+    if (magnitude && phase)
+      reading.channels[at] =
+          CurveReading{(*magnitude)[point] + curves_.levelDb[at], (*phase)[point]};
+  }
+  return reading;
+}
+
+void ResponseGraph::MoveCursor(double plotX) {
+  cursorX_ = std::clamp(plotX, 0.0, static_cast<double>(geometry_->GraphWidth()));
+  update();
+}
+
+void ResponseGraph::mouseMoveEvent(QMouseEvent* event) {
+  QWidget::mouseMoveEvent(event);
+  if (!cursorShown_) return;
+  const QRect plot = PlotRect();
+  if (!plot.contains(event->position().toPoint())) {
+    if (cursorX_) update();
+    cursorX_.reset();
+    return;
+  }
+  MoveCursor(event->position().x() - plot.left());
+}
+
+void ResponseGraph::leaveEvent(QEvent* event) {
+  QWidget::leaveEvent(event);
+  cursorX_.reset();
+  update();
+}
+
+// The cursor line, and a box in the plot's top-left corner (or its right half when the cursor
+// stands there) with the frequency and each shown channel's reading in its colour.
+void ResponseGraph::PaintCursor(QPainter& painter, const QRect& plot) const {
+  if (!cursorShown_ || !cursorX_) return;
+  const CursorReading reading = ReadingAt(*cursorX_);
+  const double x = plot.left() + *cursorX_;
+  painter.setPen(QPen(palette().color(QPalette::Text), 0, Qt::DashLine));
+  painter.drawLine(QPointF(x, plot.top()), QPointF(x, plot.bottom()));
+  QStringList lines{QString("%1 Hz").arg(reading.hz)};
+  std::vector<int> channels;
+  for (int channel = 0; channel < graph::kChannelCount; ++channel) {
+    const auto& value = reading.channels[static_cast<std::size_t>(channel)];
+    if (!value) continue;
+    channels.push_back(channel);
+    lines
+        << QString("%1 dB  %2°").arg(value->magnitudeDb, 0, 'f', 1).arg(value->phaseDeg, 0, 'f', 0);
+  }
+  const QFontMetrics metrics(painter.font());
+  int width = 0;
+  for (const QString& line : lines)
+    width = std::max(width, metrics.horizontalAdvance(line));
+  const int lineHeight = metrics.height();
+  QRect box(0, 0, width + 8, lineHeight * static_cast<int>(lines.size()) + 4);
+  const bool onTheLeft = x > plot.center().x();
+  box.moveTopLeft(
+      QPoint(onTheLeft ? plot.left() + 4 : plot.right() - box.width() - 4, plot.top() + 4));
+  painter.fillRect(box, palette().color(QPalette::Base));
+  painter.setPen(palette().color(QPalette::Mid));
+  painter.drawRect(box);
+  for (int i = 0; i < lines.size(); ++i) {
+    painter.setPen(i == 0 ? palette().color(QPalette::Text)
+                          : QColor(kChannelColours[static_cast<std::size_t>(
+                                channels[static_cast<std::size_t>(i - 1)])]));
+    painter.drawText(box.left() + 4, box.top() + 2 + metrics.ascent() + i * lineHeight, lines[i]);
+  }
 }
 
 }  // namespace talvex::editor

@@ -15,6 +15,7 @@
 #include <QWidget>
 #include <array>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "graph/graph_geometry.h"
@@ -31,13 +32,17 @@ inline constexpr std::array<QRgb, graph::kChannelCount> kChannelColours = {
     qRgb(255, 0, 0),   qRgb(0, 0, 255), qRgb(255, 0, 255), qRgb(192, 0, 0),
     qRgb(0, 192, 192), qRgb(0, 255, 0), qRgb(0, 0, 192),   qRgb(255, 128, 0)};
 
-// What the graph draws. The tables belong to the editor window and must outlive the graph (or
-// be replaced before they go); null draws the axes alone. levelDb is each channel's level,
-// added to its magnitude curve (the tables hold the filters' shape without it).
+// What the graph draws: each channel's magnitude and phase curve, or none (null: the channel is
+// not shown). The curves belong to the editor window and must outlive the graph (or be replaced
+// before they go). levelDb is each channel's level, added to its magnitude curve (the curves
+// hold the filters' shape without it).
 struct GraphCurves {
-  const graph::ResponseTables* tables = nullptr;
-  std::array<bool, graph::kChannelCount> shown{};
+  std::array<const graph::Curve*, graph::kChannelCount> magnitude{};
+  std::array<const graph::Curve*, graph::kChannelCount> phase{};
   std::array<float, graph::kChannelCount> levelDb{};
+
+  // Shows `channel` with its own curves from `tables`.
+  void Show(const graph::ResponseTables& tables, int channel, float level = 0.0f);
 };
 
 // Where the plot sits in a graph of the given geometry whose labels are set in the given font,
@@ -71,9 +76,28 @@ class ResponseGraph : public QWidget {
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;
 
+  // "Show cursor": a vertical cursor follows the mouse over the plot and reads, at the grid
+  // frequency under it, every shown curve's magnitude (level included) and phase.
+  void SetCursorShown(bool shown);
+  bool CursorShown() const { return cursorShown_; }
+  struct CurveReading {
+    float magnitudeDb = 0;
+    float phaseDeg = 0;
+  };
+  struct CursorReading {
+    int hz = 0;  // the grid frequency under the cursor
+    std::array<std::optional<CurveReading>, graph::kChannelCount> channels{};
+  };
+  // The reading at x pixels from the plot's left edge (held to the plot).
+  CursorReading ReadingAt(double plotX) const;
+  // Puts the cursor at x pixels from the plot's left edge, as the mouse does.
+  void MoveCursor(double plotX);
+
  protected:
   void paintEvent(QPaintEvent* event) override;
   bool event(QEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void leaveEvent(QEvent* event) override;
 
  private:
   // Where the graph's top-left corner sits in the widget: centred when the widget is larger.
@@ -82,8 +106,11 @@ class ResponseGraph : public QWidget {
   void FollowDpi();
   void PaintCurves(QPainter& painter, const graph::GraphGeometry& geometry,
                    const QRect& plot) const;
+  void PaintCursor(QPainter& painter, const QRect& plot) const;
 
   GraphCurves curves_;
+  bool cursorShown_ = false;
+  std::optional<double> cursorX_;  // from the plot's left edge, while the mouse is over it
   int dpi_ = 0;
   std::shared_ptr<const graph::GraphGeometry> geometry_;
   // One curve's points, filled and drawn in turn: drawing the curves allocates nothing.

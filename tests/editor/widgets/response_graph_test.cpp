@@ -62,11 +62,8 @@ class ResponseGraphTest : public ::testing::Test {
             const graph::ResponseSettings& settings = {}) {
     tables_->ComputeAll(settings);
     GraphCurves curves;
-    curves.tables = tables_.get();
-    for (int channel : channels) {
-      curves.shown[static_cast<std::size_t>(channel)] = true;
-      curves.levelDb[static_cast<std::size_t>(channel)] = levelDb;
-    }
+    for (int channel : channels)
+      curves.Show(*tables_, channel, levelDb);
     graph_.SetCurves(curves);
   }
 
@@ -134,10 +131,10 @@ TEST_F(ResponseGraphTest, shouldDrawNothingOfAHiddenChannel) {
         EXPECT_EQ(pixels, 0) << "channel " << channel << " hidden, " << shown << " shown";
     }
   }
-  graph_.SetCurves({nullptr, {true, true, true, true, true, true, true, true}, {}});
+  graph_.SetCurves({});
   std::map<QRgb, int> counts = CountColours(Render(graph_, 96).image);
   for (QRgb colour : kChannelColours)
-    EXPECT_EQ(counts[colour], 0) << "no tables, no curves";
+    EXPECT_EQ(counts[colour], 0) << "no curves";
 }
 
 TEST_F(ResponseGraphTest, shouldKeepEveryLabelInsideTheGraph) {
