@@ -65,9 +65,16 @@ int SimDevice::FramesHandled(std::uint8_t commandCode) const {
   return it == framesByCode_.end() ? 0 : it->second;
 }
 
+std::optional<protocol::Frame> SimDevice::LastFrame(std::uint8_t commandCode) const {
+  const auto it = lastFrameByCode_.find(commandCode);
+  if (it == lastFrameByCode_.end()) return std::nullopt;
+  return it->second;
+}
+
 std::vector<std::uint8_t> SimDevice::Handle(const protocol::Frame& request) {
   const protocol::Command command = protocol::CommandOf(request);
   ++framesByCode_[command.code];
+  lastFrameByCode_[command.code] = request;
   ++totalFrames_;
   if (Refuses(command)) return Acknowledge(request);
   switch (command.code) {

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <vector>
 
 #include "params/image_layout.h"
@@ -40,6 +41,8 @@ class SimDevice {
   // Frames handled so far, by command code.
   int FramesHandled(std::uint8_t code) const;
   int FramesHandled() const { return totalFrames_; }
+  // The last frame handled of a code, as it came.
+  std::optional<protocol::Frame> LastFrame(std::uint8_t commandCode) const;
 
  private:
   std::vector<std::uint8_t> Acknowledge(const protocol::Frame& request) const;
@@ -57,6 +60,7 @@ class SimDevice {
   DeviceState state_;
   Memory memory_{};
   std::map<std::uint8_t, int> framesByCode_;
+  std::map<std::uint8_t, protocol::Frame> lastFrameByCode_;
   int totalFrames_ = 0;
 };
 

@@ -202,11 +202,11 @@ QWidget* ChannelPage::BuildEqualiser() {
   }
   auto* buttons = new QHBoxLayout;
   buttons->addWidget(Add<ChoiceCheck>(Channel(ParamKind::EqBypass), "Bypass Eq"));
-  auto* flat = new QPushButton("Flat Eq");
-  flat->setToolTip("Set every band of this channel to 0 dB");
-  connect(flat, &QPushButton::clicked, this, [this] { context_.model.FlattenEq(channel_); });
-  tabOrder_.push_back(flat);
-  buttons->addWidget(flat);
+  flat_ = new QPushButton("Flat Eq");
+  flat_->setToolTip("Set every band of this channel to 0 dB");
+  connect(flat_, &QPushButton::clicked, this, [this] { context_.model.FlattenEq(channel_); });
+  tabOrder_.push_back(flat_);
+  buttons->addWidget(flat_);
   buttons->addStretch(1);
   grid->addLayout(buttons, kOutputBands + 1, 0, 1, 7);
   equaliser_ = Group("Equaliser", grid);
@@ -306,6 +306,7 @@ void ChannelPage::Bind(int channel) {
     widget->setVisible(output);
   for (const Binding& binding : bindings_)
     binding.control->Bind(binding.ref(channel), binding.choice);
+  flat_->setAccessibleName(QString::fromStdString(ChannelControlName(channel, "Flat Eq")));
   RefreshLabels();
 }
 
@@ -318,6 +319,7 @@ void ChannelPage::Refresh() {
   const DeviceEditor& model = context_.model;
   editorLock_->setChecked(model.EditorLock());
   editorLock_->setEnabled(!model.DeviceLocked());
+  flat_->setEnabled(model.EditsEnabled());
   RefreshLabels();
 }
 

@@ -14,6 +14,7 @@
 class QCheckBox;
 class QGroupBox;
 class QLabel;
+class QPushButton;
 
 namespace talvex::editor {
 
@@ -68,6 +69,7 @@ class ChannelPage final : public QWidget {
   QLabel* limiterLabel_ = nullptr;
   QLabel* delayUnit_ = nullptr;
   QCheckBox* editorLock_ = nullptr;
+  QPushButton* flat_ = nullptr;
 };
 
 }  // namespace talvex::editor
