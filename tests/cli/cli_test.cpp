@@ -12,7 +12,8 @@ namespace {
 TEST(CliTest, shouldListTheDevicesFoundInIdOrderWithProgressOnStderr) {
   CliRun run({"--port", "sim:7,0,3", "scan"});
   EXPECT_EQ(run.status, kExitOk);
-  EXPECT_EQ(run.out.str(), "ID 0\nID 3\nID 7\n");  // unnamed devices: nothing after the ID
+  // Simulated devices are named after their system type and ID.
+  EXPECT_EQ(run.out.str(), "ID 0  SIM 2x2 00\nID 3  SIM 2x2 03\nID 7  SIM 2x2 07\n");
   EXPECT_NE(run.err.str().find("0 %\n3.1 %\n6.2 %\n9.3 %\n"), std::string::npos);
   EXPECT_NE(run.err.str().find("\n100 %\n"), std::string::npos);
 }
@@ -28,10 +29,11 @@ TEST(CliTest, shouldExitByWhetherTheDeviceAnswersAPing) {
 TEST(CliTest, shouldTraceEachFrameAndPrintTheReply) {
   CliRun run({"--port", "sim:0,3", "--id", "3", "--trace", "send", "16", "1", "112"});
   EXPECT_EQ(run.status, kExitOk);
-  EXPECT_EQ(run.out.str(), "F0 81 03 10 01 70 00 00 20 20 00 00 F7\n");
+  // Memory 368 and 369 hold the first two characters of the name, "SI" of "SIM 2x2 03".
+  EXPECT_EQ(run.out.str(), "F0 81 03 10 01 70 00 00 53 49 00 00 F7\n");
   EXPECT_EQ(run.err.str(),
             "> F0 81 03 10 01 70 00 00 00 00 00 00 F7\n"
-            "< F0 81 03 10 01 70 00 00 20 20 00 00 F7\n");
+            "< F0 81 03 10 01 70 00 00 53 49 00 00 F7\n");
 }
 
 TEST(CliTest, shouldReportAFinalFailureInTheSystemsWordsAndExit1) {
