@@ -48,6 +48,12 @@ std::array<std::uint8_t, 4> SplitToBytes(double value) {
           static_cast<std::uint8_t>(bits >> 8), static_cast<std::uint8_t>(bits)};
 }
 
+std::string CommandName(std::uint8_t commandCode) {
+  for (const CommandInfo& info : kCommandNames)
+    if (info.code == commandCode) return std::string(info.name);
+  return "code " + std::to_string(commandCode);
+}
+
 std::string FormatHex(std::span<const std::uint8_t> bytes) {
   static constexpr char kDigits[] = "0123456789ABCDEF";
   std::string text;
