@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "app/device_list_window.h"
+#include "app/line_monitor_window.h"
 #include "app/search_window.h"
 #include "app/session.h"
 #include "app/window_slots.h"
@@ -38,6 +39,9 @@ class MainWindow : public QMainWindow {
   SearchWindow* Search() const { return search_; }
   editor::CtrlWindow* Editor(int slot) const;
   QMdiArea* Area() const { return area_; }
+  // The line monitor, made on first use (null before).
+  LineMonitorWindow* Monitor() const { return monitor_; }
+  void ShowLineMonitor();
 
   // Opens the device's editor by the slot rules (Out of memory, already open, lowest free slot).
   void OpenEditor(int deviceId);
@@ -68,6 +72,7 @@ class MainWindow : public QMainWindow {
   DeviceListWindow* deviceList_ = nullptr;
   SearchWindow* search_ = nullptr;
   QLabel* lineState_ = nullptr;  // the port, or demo mode
+  LineMonitorWindow* monitor_ = nullptr;
   bool errorsReported_ = false;
   bool leaving_ = false;
 };
