@@ -16,6 +16,7 @@ const std::vector<CommandSpec>& AllCommands() {
     AddSessionCommands(table);
     AddResponseCommands(table);
     AddUtilityCommands(table);
+    AddWordsCommands(table);
     return table;
   }();
   return commands;

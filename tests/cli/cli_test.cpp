@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "cli_harness.h"
+#include "talvex_version.h"
 
 namespace talvex::cli {
 namespace {
@@ -16,6 +17,28 @@ TEST(CliTest, shouldListTheDevicesFoundInIdOrderWithProgressOnStderr) {
   EXPECT_EQ(run.out.str(), "ID 0  SIM 2x2 00\nID 3  SIM 2x2 03\nID 7  SIM 2x2 07\n");
   EXPECT_NE(run.err.str().find("0 %\n3.1 %\n6.2 %\n9.3 %\n"), std::string::npos);
   EXPECT_NE(run.err.str().find("\n100 %\n"), std::string::npos);
+}
+
+TEST(CliTest, shouldAnswerHelpVersionAndWordsWithoutTouchingTheLine) {
+  const struct {
+    std::vector<std::string> args;
+    int status;
+    std::string outStart;
+  } cases[] = {
+      {{"--version"}, kExitOk, std::string("talvexctl ") + kVersion + "\n"},
+      {{"--help"}, kExitOk, "usage: talvexctl"},
+      {{"-h", "scan"}, kExitOk, "usage: talvexctl"},
+      {{"words", "channels"}, kExitOk, "inA\ninB\nout1\nout2\nout3\nout4\nout5\nout6\n"},
+      {{"words", "commands"}, kExitOk, "scan\nping\nsend\n"},
+      {{"words", "params"}, kExitOk, "input.source\ninA.level\n"},
+      {{"words", "ports"}, kExitUsage, ""},
+  };
+  for (const auto& c : cases) {
+    CliRun run(c.args);
+    EXPECT_EQ(run.status, c.status) << c.args[0];
+    EXPECT_EQ(run.out.str().substr(0, c.outStart.size()), c.outStart) << c.args[0];
+    EXPECT_EQ(run.FramesSeen(), 0) << c.args[0];
+  }
 }
 
 TEST(CliTest, shouldExitByWhetherTheDeviceAnswersAPing) {
