@@ -17,7 +17,8 @@ QString NameOf(const LoggedFrame& frame) {
 }  // namespace
 
 QString FormatFrame(const LoggedFrame& frame) {
-  const QString id = frame.deviceId < 0 ? QString("ID  ?") : QString("ID %1").arg(frame.deviceId, 2);
+  const QString id =
+      frame.deviceId < 0 ? QString("ID  ?") : QString("ID %1").arg(frame.deviceId, 2);
   return QString("%1  %2  %3  %4  %5")
       .arg(frame.at.toString("HH:mm:ss.zzz"),
            frame.direction == LoggedFrame::Direction::Sent ? ">" : "<", id,

@@ -121,8 +121,8 @@ bool LineMonitorWindow::Save() {
   const auto path = dialogs_.ChooseSaveFile(folder_.string(), kMonitorFileFilter);
   if (!path) return false;
   const QByteArray text = (log_.Lines(Filter()).join('\n') + '\n').toUtf8();
-  const std::string why = config::WriteFileAtomically(
-      *path, std::vector<std::uint8_t>(text.begin(), text.end()));
+  const std::string why =
+      config::WriteFileAtomically(*path, std::vector<std::uint8_t>(text.begin(), text.end()));
   if (!why.empty()) {
     dialogs_.ShowMessage(kLineMonitorTitle, why, editor::DialogIcon::Warning);
     return false;

@@ -4,8 +4,8 @@
 #include <QMessageBox>
 #include <algorithm>
 #include <filesystem>
-#include <set>
 #include <iostream>
+#include <set>
 
 #include "app/main_window.h"
 #include "app/select_window.h"
@@ -35,19 +35,21 @@ Options ParseOptions(const QStringList& arguments, const std::filesystem::path& 
   parser.addVersionOption();
   parser.addOption({"port", "Preselect PORT: sim:0,1,2, tcp:HOST:PORT or a serial port.", "PORT"});
   const config::Locations standard = config::FindLocations(programFolder, std::nullopt);
-  parser.addOption({"config-dir",
-                    QString("Keep TenDev.cfg, init.cfg, Speakers.cfg and %1 in DIR, presets in "
-                            "DIR/preset (now: %2, presets in %3).")
-                        .arg(app::kSettingsFile, QString::fromStdString(standard.configFolder.string()),
-                             QString::fromStdString(standard.presetFolder.string())),
-                    "DIR"});
+  parser.addOption(
+      {"config-dir",
+       QString("Keep TenDev.cfg, init.cfg, Speakers.cfg and %1 in DIR, presets in "
+               "DIR/preset (now: %2, presets in %3).")
+           .arg(app::kSettingsFile, QString::fromStdString(standard.configFolder.string()),
+                QString::fromStdString(standard.presetFolder.string())),
+       "DIR"});
   parser.addOption({"no-splash", "Start without the splash window."});
   parser.process(arguments);
   Options options;
   options.port = parser.value("port").toStdString();
-  options.files = parser.isSet("config-dir")
-                      ? config::FindLocations(programFolder, parser.value("config-dir").toStdString())
-                      : standard;
+  options.files =
+      parser.isSet("config-dir")
+          ? config::FindLocations(programFolder, parser.value("config-dir").toStdString())
+          : standard;
   options.splash = !parser.isSet("no-splash");
   if (!options.port.empty()) {
     try {
@@ -98,8 +100,9 @@ int main(int argc, char* argv[]) {
   QObject::connect(&select, &QDialog::rejected, &app, [&] { app.exit(0); });
   QObject::connect(&select, &QDialog::accepted, &app, [&] {
     const app::StartupChoice choice = select.Choice();
-    auto session = std::make_unique<app::Session>(link::MakeLine(link::ParsePortSpec(choice.port)),
-                                                  dialogs, options.files.configFolder, commaDecimal);
+    auto session =
+        std::make_unique<app::Session>(link::MakeLine(link::ParsePortSpec(choice.port)), dialogs,
+                                       options.files.configFolder, commaDecimal);
     main = std::make_unique<app::MainWindow>(std::move(session), dialogs);
     dialogs.SetParent(main.get());
     QObject::connect(main.get(), &app::MainWindow::quitRequested, &app,

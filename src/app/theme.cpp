@@ -81,8 +81,7 @@ void ApplyTheme(Theme theme) {
     QApplication::setStyle(QStyleFactory::create("Fusion"));
     QApplication::setPalette(DarkPalette());
   } else {
-    QApplication::setStyle(
-        QStyleFactory::create(qApp->property(kDesktopStyleProperty).toString()));
+    QApplication::setStyle(QStyleFactory::create(qApp->property(kDesktopStyleProperty).toString()));
     QApplication::setPalette(qApp->property(kDesktopPaletteProperty).value<QPalette>());
   }
   qApp->setProperty(kThemeProperty, static_cast<int>(theme));
@@ -90,7 +89,7 @@ void ApplyTheme(Theme theme) {
 
 Theme CurrentTheme() {
   return qApp->property(kThemeProperty).toInt() == static_cast<int>(Theme::Dark) ? Theme::Dark
-                                                                                  : Theme::Desktop;
+                                                                                 : Theme::Desktop;
 }
 
 QAction* MakeThemeAction(const std::filesystem::path& configFolder, QObject* parent) {

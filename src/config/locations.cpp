@@ -17,8 +17,8 @@ std::optional<std::string> ProcessEnvironment(const char* name) {
 UserFolders StandardUserFolders(const Environment& environment) {
   const fs::path home = environment("HOME").value_or(".");
 #if defined(_WIN32)
-  const fs::path base =
-      environment("APPDATA").value_or(environment("USERPROFILE").value_or(".") + "\\AppData\\Roaming");
+  const fs::path base = environment("APPDATA").value_or(environment("USERPROFILE").value_or(".") +
+                                                        "\\AppData\\Roaming");
   return {base / kUserFolderName, base / kUserFolderName / kPresetFolder};
 #elif defined(__APPLE__)
   const fs::path base = home / "Library" / "Application Support" / kUserFolderName;

@@ -14,7 +14,8 @@ namespace talvex::link {
 PortAccess CheckPortAccess(const std::string& path) {
 #ifdef TALVEX_POSIX_PORTS
   struct stat info {};
-  if (::stat(path.c_str(), &info) != 0) return errno == ENOENT ? PortAccess::Missing : PortAccess::Unknown;
+  if (::stat(path.c_str(), &info) != 0)
+    return errno == ENOENT ? PortAccess::Missing : PortAccess::Unknown;
   if (::access(path.c_str(), R_OK | W_OK) == 0) return PortAccess::Allowed;
   return errno == EACCES ? PortAccess::Denied : PortAccess::Unknown;
 #else
@@ -47,8 +48,7 @@ std::string DescribePortProblem(PortProblem problem, const std::optional<std::st
     case PortProblem::NeedsPermission:
       if (group)
         return "you may not use the port: it belongs to the group \"" + *group +
-               "\"; join it (sudo usermod -aG " + *group +
-               " $USER), then log out and in again";
+               "\"; join it (sudo usermod -aG " + *group + " $USER), then log out and in again";
       return "you may not use the port: ask the computer's administrator for access to it";
     case PortProblem::Other:
       break;

@@ -21,7 +21,8 @@ QStringList ViewLines(const app::LineMonitorWindow& monitor) {
 }
 
 bool AnyLine(const QStringList& lines, const QString& part) {
-  return std::any_of(lines.begin(), lines.end(), [&](const QString& l) { return l.contains(part); });
+  return std::any_of(lines.begin(), lines.end(),
+                     [&](const QString& l) { return l.contains(part); });
 }
 
 QString LineState(app::MainWindow& window) {
@@ -48,8 +49,9 @@ TEST(LineMonitorTest, shouldShowTheSearchAndAConnectWithTimeIdAndCommandName) {
   const QStringList search = ViewLines(monitor);
   // 33 IDs polled, a silent one twice; then the names and images of the two found, each image
   // read closed by a command 0.
-  const auto polls = std::count_if(search.begin(), search.end(),
-                                   [](const QString& l) { return l.contains(QRegularExpression(">  ID [ \\d]\\d  poll ")); });
+  const auto polls = std::count_if(search.begin(), search.end(), [](const QString& l) {
+    return l.contains(QRegularExpression(">  ID [ \\d]\\d  poll "));
+  });
   EXPECT_EQ(polls, 2 + 31 * 2 + 2);
   const QRegularExpression frame(
       R"(^\d\d:\d\d:\d\d\.\d\d\d  [<>]  ID [ \d]\d  .{17}  F0 81 ([0-9A-F]{2} ){10}F7$)");
@@ -57,8 +59,10 @@ TEST(LineMonitorTest, shouldShowTheSearchAndAConnectWithTimeIdAndCommandName) {
       R"(^\d\d:\d\d:\d\d\.\d\d\d  <  ID [ \d]\d  block \(304 bytes\)  ([0-9A-F]{2} ){303}[0-9A-F]{2}$)");
   for (const QString& l : search)
     EXPECT_TRUE(frame.match(l).hasMatch() || block.match(l).hasMatch()) << l.toStdString();
-  EXPECT_TRUE(search[0].contains(">  ID  0  poll               F0 81 00 00")) << search[0].toStdString();
-  EXPECT_TRUE(search[1].contains("<  ID  0  poll               F0 81 00 00 81")) << search[1].toStdString();
+  EXPECT_TRUE(search[0].contains(">  ID  0  poll               F0 81 00 00"))
+      << search[0].toStdString();
+  EXPECT_TRUE(search[1].contains("<  ID  0  poll               F0 81 00 00 81"))
+      << search[1].toStdString();
   EXPECT_TRUE(AnyLine(search, ">  ID  3  memory read        F0 81 03 10 01 70"));
 
   app.Session().Connect(3);
@@ -86,8 +90,8 @@ TEST(LineMonitorTest, shouldFilterByDevicePauseAndSaveWhatItShows) {
   const std::size_t before = monitor.Log().Size();
   app.Session().Connect(3);
   app.Settle();
-  EXPECT_GT(monitor.Log().Size(), before);     // kept while paused
-  EXPECT_EQ(ViewLines(monitor), three);         // but not shown
+  EXPECT_GT(monitor.Log().Size(), before);  // kept while paused
+  EXPECT_EQ(ViewLines(monitor), three);     // but not shown
   monitor.PauseBox()->setChecked(false);
   EXPECT_GT(ViewLines(monitor).size(), three.size());
 
@@ -112,7 +116,8 @@ TEST(FirstRunTest, shouldListNamedSimulatedDevicesAndSayTheLineIsSimulated) {
   EXPECT_EQ(app.Session().RowText(0), "SIM 2x2 00        ID:0");
   EXPECT_EQ(app.Session().RowText(2), "SIM 2x2 02        ID:2");
   app::StartupChoice choice = Choice(SearchMode::AllIds);
-  EXPECT_TRUE(LineState(*app.window).contains("Simulated line")) << LineState(*app.window).toStdString();
+  EXPECT_TRUE(LineState(*app.window).contains("Simulated line"))
+      << LineState(*app.window).toStdString();
 }
 
 TEST(FirstRunTest, shouldSayWhyThePortDidNotOpenBesideTheSystemsQuestion) {

@@ -48,8 +48,8 @@ TEST(SplitToBytesTest, shouldSplitBigEndianAfterRoundingTiesToEven) {
 // The line monitor names frames by this table: one distinct name for each code devices know.
 TEST(CommandNameTest, shouldNameEveryKnownCodeOnceAndNumberTheRest) {
   const std::pair<std::uint8_t, const char*> cases[] = {
-      {0, "poll"},           {11, "read block"},    {16, "memory read"}, {17, "memory write"},
-      {21, "system type"},   {143, "leave program"}, {6, "code 6"},       {255, "code 255"},
+      {0, "poll"},         {11, "read block"},     {16, "memory read"}, {17, "memory write"},
+      {21, "system type"}, {143, "leave program"}, {6, "code 6"},       {255, "code 255"},
   };
   for (const auto& [code, name] : cases)
     EXPECT_EQ(CommandName(code), name) << int(code);
