@@ -23,12 +23,17 @@ using Clock = std::chrono::steady_clock;
 
 class SilentDialogs final : public editor::UserDialogs {
  public:
-  editor::Answer AskYesNo(const std::string&, const std::string&, editor::DialogIcon, editor::Answer) override {
+  editor::Answer AskYesNo(const std::string&, const std::string&, editor::DialogIcon,
+                          editor::Answer) override {
     return editor::Answer::Yes;
   }
   void ShowMessage(const std::string&, const std::string&, editor::DialogIcon) override {}
-  std::optional<std::string> ChooseOpenFile(const std::string&, const std::string&) override { return {}; }
-  std::optional<std::string> ChooseSaveFile(const std::string&, const std::string&) override { return {}; }
+  std::optional<std::string> ChooseOpenFile(const std::string&, const std::string&) override {
+    return {};
+  }
+  std::optional<std::string> ChooseSaveFile(const std::string&, const std::string&) override {
+    return {};
+  }
 };
 
 double Median(std::vector<double> values) {
@@ -36,17 +41,20 @@ double Median(std::vector<double> values) {
   return values[values.size() / 2];
 }
 
-double Ms(Clock::duration d) { return std::chrono::duration<double, std::milli>(d).count(); }
+double Ms(Clock::duration d) {
+  return std::chrono::duration<double, std::milli>(d).count();
+}
 
 void WaitFor(const std::function<bool()>& done) {
-  while (!done()) QApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+  while (!done())
+    QApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
 }
 
 void StartUp(std::vector<double>& listed, std::vector<double>& named) {
   SilentDialogs dialogs;
   const auto start = Clock::now();
-  auto session = std::make_unique<app::Session>(link::MakeLine(link::ParsePortSpec("sim:0,1,2")), dialogs,
-                                                std::filesystem::temp_directory_path());
+  auto session = std::make_unique<app::Session>(link::MakeLine(link::ParsePortSpec("sim:0,1,2")),
+                                                dialogs, std::filesystem::temp_directory_path());
   app::Session& s = *session;
   app::MainWindow window(std::move(session), dialogs);
   window.show();
@@ -74,7 +82,8 @@ double LongestStallDuringPush(int& frames, double& pushSeconds) {
     last = now;
   });
   bool opened = false;
-  session.Submit(0, {}, [](link::Link& link) { return link.OpenPort(); }, [&](bool ok) { opened = ok; });
+  session.Submit(
+      0, {}, [](link::Link& link) { return link.OpenPort(); }, [&](bool ok) { opened = ok; });
   WaitFor([&] { return session.Outstanding() == 0; });
   if (!opened) return -1;
 
@@ -83,10 +92,13 @@ double LongestStallDuringPush(int& frames, double& pushSeconds) {
   const auto start = Clock::now();
   presets::PresetView view;  // the model and its transfer are made here, on this thread
   params::DeviceParams device = params::DeviceParams::FromDefault(1);
-  const presets::PresetTransfer transfer = presets::ApplyPreset(device, view, presets::TransferFlags::PresetFileLoad());
+  const presets::PresetTransfer transfer =
+      presets::ApplyPreset(device, view, presets::TransferFlags::PresetFileLoad());
   presets::TransferOutcome outcome;
-  session.Submit(0, {}, [transfer](link::Link& link) { return presets::SendPresetTransfer(link, 0, transfer); },
-                 [&](presets::TransferOutcome result) { outcome = result; });
+  session.Submit(
+      0, {},
+      [transfer](link::Link& link) { return presets::SendPresetTransfer(link, 0, transfer); },
+      [&](presets::TransferOutcome result) { outcome = result; });
   WaitFor([&] { return session.Outstanding() == 0; });
   ticker.stop();
   frames = outcome.commandsSent;
@@ -102,16 +114,20 @@ int main(int argc, char* argv[]) {
   const int repetitions = argc > 1 ? std::max(1, std::atoi(argv[1])) : 10;
 
   std::vector<double> listed, named;
-  for (int i = 0; i < repetitions; ++i) StartUp(listed, named);
-  std::printf("start-up to the device list (3 devices):   median %.1f ms (goal < 300 ms)\n", Median(listed));
+  for (int i = 0; i < repetitions; ++i)
+    StartUp(listed, named);
+  std::printf("start-up to the device list (3 devices):   median %.1f ms (goal < 300 ms)\n",
+              Median(listed));
   std::printf("start-up to their names read:              median %.1f ms\n", Median(named));
 
   std::vector<double> stalls;
   int frames = 0;
   double seconds = 0;
-  for (int i = 0; i < std::max(3, repetitions / 2); ++i) stalls.push_back(LongestStallDuringPush(frames, seconds));
-  std::printf("longest UI stall during a paced push:      median %.2f ms, worst %.2f ms (goal < 50 ms)\n",
-              Median(stalls), *std::max_element(stalls.begin(), stalls.end()));
+  for (int i = 0; i < std::max(3, repetitions / 2); ++i)
+    stalls.push_back(LongestStallDuringPush(frames, seconds));
+  std::printf(
+      "longest UI stall during a paced push:      median %.2f ms, worst %.2f ms (goal < 50 ms)\n",
+      Median(stalls), *std::max_element(stalls.begin(), stalls.end()));
   std::printf("  (push of %d commands at 9600 baud took %.2f s)\n", frames, seconds);
   return 0;
 }

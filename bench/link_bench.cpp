@@ -44,7 +44,8 @@ class SimOnPty {
     posix_spawn_file_actions_destroy(&actions);
     close(out[1]);
     char c = 0;
-    while (read(out[0], &c, 1) == 1 && c != '\n') path_ += c;
+    while (read(out[0], &c, 1) == 1 && c != '\n')
+      path_ += c;
     close(out[0]);
   }
   ~SimOnPty() {
@@ -119,8 +120,12 @@ void WaitOut(benchmark::State& state, bool wholeSend) {
   }
   state.counters["cpu_percent_of_one_core"] = 100.0 * cpu / wall;
 }
-void BM_WaitOutSilentDeviceSend(benchmark::State& state) { WaitOut(state, true); }
-void BM_WaitOutSilentDevicePoll(benchmark::State& state) { WaitOut(state, false); }
+void BM_WaitOutSilentDeviceSend(benchmark::State& state) {
+  WaitOut(state, true);
+}
+void BM_WaitOutSilentDevicePoll(benchmark::State& state) {
+  WaitOut(state, false);
+}
 BENCHMARK(BM_WaitOutSilentDeviceSend)->Iterations(1)->UseRealTime()->Unit(benchmark::kSecond);
 BENCHMARK(BM_WaitOutSilentDevicePoll)->Iterations(20)->UseRealTime()->Unit(benchmark::kMillisecond);
 

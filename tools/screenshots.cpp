@@ -38,7 +38,8 @@ void Settle(app::Session& session) {
 
 bool Save(const QWidget& window, const QString& path) {
   const QRect frame = window.frameGeometry();
-  const QPixmap shot = QApplication::primaryScreen()->grabWindow(0, frame.x(), frame.y(), frame.width(), frame.height());
+  const QPixmap shot = QApplication::primaryScreen()->grabWindow(0, frame.x(), frame.y(),
+                                                                 frame.width(), frame.height());
   std::cout << path.toStdString() << '\n';
   return shot.save(path);
 }
@@ -64,7 +65,8 @@ int main(int argc, char* argv[]) {
   bool ok = Save(splash, out + "/splash" + suffix + ".png");
   splash.close();
 
-  app::SelectWindow select(app::AvailablePorts("sim:0,1,2"), config.path().toStdString(), dialogs, "sim:0,1,2");
+  app::SelectWindow select(app::AvailablePorts("sim:0,1,2"), config.path().toStdString(), dialogs,
+                           "sim:0,1,2");
   select.move(40, 40);
   select.show();
   Pump(400);
@@ -74,10 +76,13 @@ int main(int argc, char* argv[]) {
   auto line = link::MakeLine(link::ParsePortSpec(select.Choice().port));
   for (const auto& [id, name] : {std::pair{0, "Main L"}, {1, "Main R"}, {2, "Sub array"}}) {
     auto& memory = line.simulator->Device(id).DeviceMemory();
-    for (std::size_t i = 0; i < 16; ++i) memory[368 + i] = static_cast<std::uint8_t>(i < std::strlen(name) ? name[i] : ' ');
+    for (std::size_t i = 0; i < 16; ++i)
+      memory[368 + i] = static_cast<std::uint8_t>(i < std::strlen(name) ? name[i] : ' ');
   }
   line.simulator->Device(1).LiveImage()[298] = 1;
-  app::MainWindow window(std::make_unique<app::Session>(std::move(line), dialogs, config.path().toStdString()), dialogs);
+  app::MainWindow window(
+      std::make_unique<app::Session>(std::move(line), dialogs, config.path().toStdString()),
+      dialogs);
   dialogs.SetParent(&window);
   window.move(0, 0);
   window.show();

@@ -42,7 +42,8 @@ CtrlWindow::CtrlWindow(int deviceId, int slot, std::function<bool()> mayClose, Q
 void CtrlWindow::ShowDevice(const std::string& name, const params::DeviceParams& device) {
   const int type = device.image[params::kSystemTypeByte];
   setWindowTitle(QString::fromStdString(EditorCaption(deviceId_, type)));
-  while (summary_->rowCount() > 0) summary_->removeRow(0);
+  while (summary_->rowCount() > 0)
+    summary_->removeRow(0);
   summary_->addRow("Name:", new QLabel(QString::fromStdString(name)));
   summary_->addRow("System type:", new QLabel(QString::fromStdString(SystemTypeText(type))));
   for (int channel = 2; channel < params::kChannelCount; ++channel) {
