@@ -1,17 +1,20 @@
 #!/usr/bin/env bash
 # Installs the package that scripts/package.sh built, checks the installed files as a user
-# would use them, and removes the package again (also when a check fails). Needs root (CI).
+# would use them, and removes the package again (also when a check fails). Installs as root,
+# through sudo when not root.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 package=$(ls build/package/talvex_*.deb)
 version=$(dpkg-deb -f "$package" Version)
 home=$(mktemp -d)
 program=""
+sudo_cmd=()
+if [ "$(id -u)" -ne 0 ]; then sudo_cmd=(sudo); fi
 
 cleanup() {
   [ -n "$program" ] && kill "$program" 2>/dev/null || true
   rm -rf "$home"
-  DEBIAN_FRONTEND=noninteractive apt-get remove -y --purge talvex >/dev/null
+  "${sudo_cmd[@]}" env DEBIAN_FRONTEND=noninteractive apt-get remove -y --purge talvex >/dev/null
   if [ -e /usr/bin/talvexctl ]; then echo "FAIL: talvexctl is still there after removal"; exit 1; fi
   echo "removed"
 }
@@ -21,7 +24,7 @@ expect() {  # expect NAME ACTUAL WANTED-PART
   case "$2" in *"$3"*) echo "ok: $1" ;; *) fail "$1: wanted \"$3\" in: $2" ;; esac
 }
 
-DEBIAN_FRONTEND=noninteractive apt-get install -y "./$package" >/dev/null
+"${sudo_cmd[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y "./$package" >/dev/null
 trap cleanup EXIT
 
 expect "talvexctl --version" "$(talvexctl --version)" "talvexctl $version"
@@ -63,4 +66,6 @@ kill -0 "$program" 2>/dev/null || fail "talvex ended at once: $(cat "$home/talve
 echo "ok: the desktop entry starts talvex, which keeps its files in $home/.config/talvex"
 kill "$program"; wait "$program" 2>/dev/null || true
 program=""
+sudo_cmd=()
+if [ "$(id -u)" -ne 0 ]; then sudo_cmd=(sudo); fi
 echo "package checks passed"

@@ -13,6 +13,7 @@
 #include "app/main_window.h"
 #include "app/select_window.h"
 #include "app/splash_window.h"
+#include "app/theme.h"
 #include "editor/qt_user_dialogs.h"
 
 namespace {
@@ -73,19 +74,17 @@ int main(int argc, char* argv[]) {
   ok = Save(select, out + "/select" + suffix + ".png") && ok;
   select.Confirm();
 
+  // The simulated processors as a first run shows them: named after their type and ID.
   auto line = link::MakeLine(link::ParsePortSpec(select.Choice().port));
-  for (const auto& [id, name] : {std::pair{0, "Main L"}, {1, "Main R"}, {2, "Sub array"}}) {
-    auto& memory = line.simulator->Device(id).DeviceMemory();
-    for (std::size_t i = 0; i < 16; ++i)
-      memory[368 + i] = static_cast<std::uint8_t>(i < std::strlen(name) ? name[i] : ' ');
-  }
-  line.simulator->Device(1).LiveImage()[298] = 1;
   app::MainWindow window(
       std::make_unique<app::Session>(std::move(line), dialogs, config.path().toStdString()),
       dialogs);
   dialogs.SetParent(&window);
   window.move(0, 0);
   window.show();
+  // The line monitor watches the search and the connects.
+  window.ShowLineMonitor();
+  window.Monitor()->move(40, 160);
   QSignalSpy started(&window, &app::MainWindow::startupFinished);
   window.Start(select.Choice());
   started.wait(5000);
@@ -94,6 +93,16 @@ int main(int argc, char* argv[]) {
   Settle(window.CurrentSession());
   window.CurrentSession().Connect(1);
   Settle(window.CurrentSession());
+  window.Monitor()->DeviceFilter()->setCurrentIndex(1 + 1);  // "ID 1"
+  window.Monitor()->raise();
+  Pump(300);
+  ok = Save(*window.Monitor(), out + "/line-monitor" + suffix + ".png") && ok;
+  window.Monitor()->hide();
+  window.activateWindow();
+  Pump(300);
   ok = Save(window, out + "/main" + suffix + ".png") && ok;
+  app::ApplyTheme(app::Theme::Dark);
+  Pump(400);
+  ok = Save(window, out + "/main-dark" + suffix + ".png") && ok;
   return ok ? 0 : 1;
 }
