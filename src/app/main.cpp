@@ -26,8 +26,7 @@ struct Options {
   bool splash = true;
 };
 
-// --help and --version are answered before the desktop is reached, so they work without a
-// display (a terminal, a package test). `programFolder` decides where the files live.
+// The command line; `programFolder` decides where the files live (config/locations.h).
 Options ParseOptions(const QStringList& arguments, const std::filesystem::path& programFolder) {
   QCommandLineParser parser;
   parser.setApplicationDescription("Editor for TALVEX loudspeaker processors");
@@ -87,7 +86,9 @@ int main(int argc, char* argv[]) {
       ParseOptions(app.arguments(), QCoreApplication::applicationDirPath().toStdString());
   if (const std::string why = config::CreateFolders(options.files); !why.empty())
     std::cerr << "talvex: " << why << '\n';  // the files are then not kept; the program works
-  app::ApplyTheme(app::ReadTheme(options.files.configFolder));
+  // The desktop's own look needs nothing done; the dark theme is applied before any window.
+  if (app::ReadTheme(options.files.configFolder) == app::Theme::Dark)
+    app::ApplyTheme(app::Theme::Dark);
   // The decimal mark is decided once, at start-up, and read for the rest of the run (the editor
   // writes and reads values with it).
   const int commaDecimal = config::DetectCommaDecimal();

@@ -15,7 +15,6 @@ constexpr const char* kDarkValue = "dark";
 constexpr const char* kDesktopValue = "desktop";
 // Kept on the application object: the desktop's look before the first switch.
 constexpr const char* kDesktopStyleProperty = "talvexDesktopStyle";
-constexpr const char* kDesktopPaletteProperty = "talvexDesktopPalette";
 constexpr const char* kThemeProperty = "talvexTheme";
 
 QString SettingsPath(const std::filesystem::path& configFolder) {
@@ -25,7 +24,6 @@ QString SettingsPath(const std::filesystem::path& configFolder) {
 void RememberDesktopLook() {
   if (qApp->property(kDesktopStyleProperty).isValid()) return;
   qApp->setProperty(kDesktopStyleProperty, QApplication::style()->name());
-  qApp->setProperty(kDesktopPaletteProperty, QApplication::palette());
 }
 
 }  // namespace
@@ -76,13 +74,16 @@ QPalette DarkPalette() {
 }
 
 void ApplyTheme(Theme theme) {
+  if (theme == CurrentTheme() && qApp->property(kThemeProperty).isValid()) return;
   RememberDesktopLook();
   if (theme == Theme::Dark) {
     QApplication::setStyle(QStyleFactory::create("Fusion"));
     QApplication::setPalette(DarkPalette());
   } else {
     QApplication::setStyle(QStyleFactory::create(qApp->property(kDesktopStyleProperty).toString()));
-    QApplication::setPalette(qApp->property(kDesktopPaletteProperty).value<QPalette>());
+    // A palette with no role set hands the colours back to the platform, which keeps following
+    // the desktop's light or dark look; a copy of the old palette would pin it.
+    QApplication::setPalette(QPalette());
   }
   qApp->setProperty(kThemeProperty, static_cast<int>(theme));
 }

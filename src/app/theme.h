@@ -27,8 +27,8 @@ bool WriteTheme(const std::filesystem::path& configFolder, Theme theme);
 // at least 7:1 (disabled text 3:1).
 QPalette DarkPalette();
 
-// Applies the theme to the whole application. The first call remembers the desktop's style and
-// palette, so that going back to Desktop restores them exactly.
+// Applies the theme to the whole application. The first call remembers the desktop's style, so
+// that going back to Desktop restores it, with the platform's palette.
 void ApplyTheme(Theme theme);
 Theme CurrentTheme();
 
