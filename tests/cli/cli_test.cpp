@@ -41,6 +41,17 @@ TEST(CliTest, shouldAnswerHelpVersionAndWordsWithoutTouchingTheLine) {
   }
 }
 
+TEST(CliTest, shouldSayWhyTheSerialPortDidNotOpen) {
+  CliRun run({"--port", "/dev/ttyTALVEXmissing", "scan"});
+  EXPECT_EQ(run.status, kExitFailure);
+  EXPECT_EQ(
+      run.err.str().rfind("talvexctl: cannot open serial port /dev/ttyTALVEXmissing: the port "
+                          "does not exist: is the adapter plugged in, and is the name right? (",
+                          0),
+      0u)
+      << run.err.str();
+}
+
 TEST(CliTest, shouldExitByWhetherTheDeviceAnswersAPing) {
   EXPECT_EQ(CliRun({"--port", "sim:4", "--id", "4", "ping"}).status, kExitOk);
   EXPECT_EQ(CliRun({"--port", "sim:4", "--id", "5", "ping"}).status, kExitFailure);
