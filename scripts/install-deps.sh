@@ -10,6 +10,7 @@ packages=(
   socat ser2net
   xvfb xauth
   clang libclang-rt-dev clang-format
+  dpkg-dev desktop-file-utils g++-mingw-w64-x86-64-posix man-db
 )
 
 missing=()

@@ -14,6 +14,7 @@
 #include "app/main_window.h"
 #include "app/select_window.h"
 #include "app/splash_window.h"
+#include "app/theme.h"
 #include "editor/qt_user_dialogs.h"
 #include "editor/widgets/response_graph.h"
 #include "params/param_edit.h"
@@ -115,12 +116,10 @@ int main(int argc, char* argv[]) {
   ok = Save(select, out + "/select" + suffix + ".png") && ok;
   select.Confirm();
 
+  // The simulated processors as a first run shows them: named after their type and ID.
+  // The simulated processors as a first run shows them (named after their type and ID); the
+  // second one holds a three-way preset so that its editor has curves to show.
   auto line = link::MakeLine(link::ParsePortSpec(select.Choice().port));
-  for (const auto& [id, name] : {std::pair{0, "Main L"}, {1, "Main R"}, {2, "Sub array"}}) {
-    auto& memory = line.simulator->Device(id).DeviceMemory();
-    for (std::size_t i = 0; i < 16; ++i)
-      memory[368 + i] = static_cast<std::uint8_t>(i < std::strlen(name) ? name[i] : ' ');
-  }
   ShowPreset(*line.simulator, 1);
   app::MainWindow window(
       std::make_unique<app::Session>(std::move(line), dialogs, config.path().toStdString()),
@@ -128,16 +127,24 @@ int main(int argc, char* argv[]) {
   dialogs.SetParent(&window);
   window.move(0, 0);
   window.show();
+  // The line monitor watches the search and the connects.
+  window.ShowLineMonitor();
+  window.Monitor()->move(40, 160);
   QSignalSpy started(&window, &app::MainWindow::startupFinished);
   window.Start(select.Choice());
   started.wait(5000);
   Settle(window.CurrentSession());
-  window.ConnectDevice(0);
-  Settle(window.CurrentSession());
-  window.ConnectDevice(1);
-  Settle(window.CurrentSession());
-  window.ConnectDevice(2);
-  Settle(window.CurrentSession());
+  for (int id : {0, 1, 2}) {
+    window.ConnectDevice(id);
+    Settle(window.CurrentSession());
+  }
+  window.Monitor()->DeviceFilter()->setCurrentIndex(1 + 1);  // "ID 1"
+  window.Monitor()->raise();
+  Pump(300);
+  ok = Save(*window.Monitor(), out + "/line-monitor" + suffix + ".png") && ok;
+  window.Monitor()->hide();
+  window.activateWindow();
+  Pump(300);
   ok = Save(window, out + "/main" + suffix + ".png") && ok;
 
   // The "2x3 WAY XOVER" device's editor, alone in the frame, on every channel tab.
@@ -153,5 +160,8 @@ int main(int argc, char* argv[]) {
         QString::fromStdString(editor::ChannelCaption(channel)).remove(' ').toLower();
     ok = Save(window, out + "/editor-" + tab + suffix + ".png") && ok;
   }
+  app::ApplyTheme(app::Theme::Dark);
+  Pump(400);
+  ok = Save(window, out + "/main-dark" + suffix + ".png") && ok;
   return ok ? 0 : 1;
 }

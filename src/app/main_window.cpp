@@ -9,8 +9,20 @@
 #include <QStyle>
 
 #include "app/editor_link.h"
+#include "app/theme.h"
 
 namespace talvex::app {
+
+namespace {
+
+// The permanent part of the status bar: the port, and whether the line is simulated.
+QString LineStateText(const std::string& port, bool simulated) {
+  const QString name = QString::fromStdString(port);
+  return simulated ? QString("Simulated line %1: no hardware needed").arg(name)
+                   : QString("Port: %1").arg(name);
+}
+
+}  // namespace
 
 MainWindow::MainWindow(std::unique_ptr<Session> session, UserDialogs& dialogs, QWidget* parent)
     : QMainWindow(parent), session_(std::move(session)), dialogs_(dialogs), area_(new QMdiArea) {
@@ -28,6 +40,7 @@ MainWindow::MainWindow(std::unique_ptr<Session> session, UserDialogs& dialogs, Q
   });
   connect(session_.get(), &Session::deviceLost, this, &MainWindow::CloseEditorOf);
   connect(session_.get(), &Session::fatalTimeOut, this, [this] { emit quitRequested(1); });
+  connect(session_.get(), &Session::portProblem, lineState_, &QLabel::setText);
   connect(session_.get(), &Session::busy, this, [this](const QString& text) {
     if (text.isEmpty()) {
       statusBar()->clearMessage();
@@ -53,10 +66,21 @@ void MainWindow::BuildMenus() {
   });
   window->addAction("&Tile", area_, &QMdiArea::tileSubWindows);
   window->addAction("&Cascade", area_, &QMdiArea::cascadeSubWindows);
+  QMenu* view = menuBar()->addMenu("&View");
+  view->addAction("Line &monitor", this, &MainWindow::ShowLineMonitor);
+  view->addAction(MakeThemeAction(session_->ConfigFolder(), this));
+}
+
+void MainWindow::ShowLineMonitor() {
+  if (!monitor_)
+    monitor_ = new LineMonitorWindow(session_->Tap(), dialogs_, session_->ConfigFolder(), this);
+  monitor_->show();
+  monitor_->raise();
+  monitor_->activateWindow();
 }
 
 void MainWindow::Start(const StartupChoice& choice) {
-  lineState_->setText(QString("Port: %1").arg(QString::fromStdString(choice.port)));
+  lineState_->setText(LineStateText(choice.port, session_->Simulator() != nullptr));
   session_->Start(choice);
 }
 

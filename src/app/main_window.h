@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "app/device_list_window.h"
+#include "app/line_monitor_window.h"
 #include "app/search_window.h"
 #include "app/session.h"
 #include "app/window_slots.h"
@@ -38,6 +39,9 @@ class MainWindow : public QMainWindow {
   SearchWindow* Search() const { return search_; }
   editor::CtrlWindow* Editor(int slot) const;
   QMdiArea* Area() const { return area_; }
+  // The line monitor, made on first use (null before).
+  LineMonitorWindow* Monitor() const { return monitor_; }
+  void ShowLineMonitor();
 
   // The device list's connect. The slot rules come first (Out of memory, already open), so that
   // a refused window puts nothing on the line; the lowest free slot is then held for the device
@@ -74,6 +78,7 @@ class MainWindow : public QMainWindow {
   DeviceListWindow* deviceList_ = nullptr;
   SearchWindow* search_ = nullptr;
   QLabel* lineState_ = nullptr;  // the port, or demo mode
+  LineMonitorWindow* monitor_ = nullptr;
   bool errorsReported_ = false;
   bool leaving_ = false;
 };

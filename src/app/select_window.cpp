@@ -8,6 +8,8 @@
 #include <QSerialPortInfo>
 #include <QVBoxLayout>
 
+#include "link/port_problem.h"
+#include "link/port_spec.h"
 #include "protocol/frame.h"
 
 namespace talvex::app {
@@ -60,17 +62,24 @@ SelectWindow::SelectWindow(std::vector<PortEntry> ports, std::filesystem::path c
   portRow->addWidget(LabelFor("Port:", portList_));
   portRow->addWidget(portList_, 1);
 
+  portWarning_ = new QLabel;
+  portWarning_->setWordWrap(true);
+  portWarning_->setAccessibleName("Port problem");
+  portWarning_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
   connect(buttons, &QDialogButtonBox::accepted, this, &SelectWindow::Confirm);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
   auto* layout = new QVBoxLayout(this);
   layout->addLayout(portRow);
+  layout->addWidget(portWarning_);
   layout->addWidget(BuildModes());
   layout->addWidget(BuildIdLists());
   layout->addWidget(buttons);
 
   SelectInitialPort(preselectedPort);
+  UpdatePortWarning();
   connect(portList_, &QComboBox::currentIndexChanged, this, &SelectWindow::PortChanged);
   ChooseMode(SearchMode::AllIds);
 }
@@ -129,9 +138,25 @@ void SelectWindow::SelectInitialPort(const std::string& preselectedPort) {
 }
 
 void SelectWindow::PortChanged(int position) {
+  UpdatePortWarning();
   if (position < 0) return;
   (void)config::WriteInitSettings(configFolder_, {static_cast<std::int16_t>(position),
                                                   ports_[static_cast<std::size_t>(position)].port});
+}
+
+// A serial port that is missing or forbidden is named at once, beside the list; the start-up
+// still tries it, and "COM not found, ..." follows if it will not open.
+void SelectWindow::UpdatePortWarning() {
+  const int position = portList_->currentIndex();
+  std::string warning;
+  if (position >= 0) {
+    const std::string& port = ports_[static_cast<std::size_t>(position)].port;
+    if (std::holds_alternative<link::SerialPort>(link::ParsePortSpec(port)))
+      warning = link::PortWarning(port);
+    if (!warning.empty()) warning = port + " cannot be opened: " + warning;
+  }
+  portWarning_->setText(QString::fromStdString(warning));
+  portWarning_->setVisible(!warning.empty());
 }
 
 void SelectWindow::ChooseMode(SearchMode mode) {

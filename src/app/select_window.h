@@ -7,6 +7,7 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QGroupBox>
+#include <QLabel>
 #include <array>
 #include <filesystem>
 #include <optional>
@@ -49,6 +50,8 @@ class SelectWindow : public QDialog {
   QComboBox* PortList() const { return portList_; }
   QComboBox* IdList(int i) const { return idLists_.at(static_cast<std::size_t>(i)); }
   QComboBox* SingleIdList() const { return singleIdList_; }
+  // Why the chosen serial port will not open, as far as can be told without opening it.
+  QLabel* PortWarning() const { return portWarning_; }
   void ChooseMode(SearchMode mode);
   // OK: the duplicate check, then "TenDev.cfg", then the window closes.
   void Confirm();
@@ -59,12 +62,14 @@ class SelectWindow : public QDialog {
   void SelectInitialPort(const std::string& preselectedPort);
   void PortChanged(int position);
   void UpdateEnabling();
+  void UpdatePortWarning();
 
   std::vector<PortEntry> ports_;
   std::filesystem::path configFolder_;
   UserDialogs& dialogs_;
   config::DeviceIdTable ids_{};
   QComboBox* portList_ = nullptr;
+  QLabel* portWarning_ = nullptr;
   std::array<QComboBox*, config::kIdListCount> idLists_{};
   QComboBox* singleIdList_ = nullptr;
   QButtonGroup modes_;

@@ -87,7 +87,10 @@ Session::StartupResult Session::SearchOnWorker(link::Link& link, const StartupCh
   link.Flags().SendSuspended = false;
   StartupResult result;
   result.portOpened = link.OpenPort();
-  if (!result.portOpened) return result;
+  if (!result.portOpened) {
+    result.openError = link.LastOpenError();
+    return result;
+  }
   if (choice.mode == SearchMode::SingleDevice) {
     const int id = choice.singleDeviceId;
     bool present = link.PollDevice(id, link::PollCommand(id));
@@ -116,7 +119,10 @@ void Session::FinishStartup(const StartupChoice& choice, const StartupResult& re
     RefreshNames();
     return;
   }
-  if (!result.portOpened) return OfferDemoMode(kComNotFoundQuestion);
+  if (!result.portOpened) {
+    emit portProblem(QString::fromStdString(result.openError));
+    return OfferDemoMode(kComNotFoundQuestion);
+  }
   OfferDemoMode(choice.mode == SearchMode::SingleDevice ? kDevicesUnconnectedQuestion
                                                         : kDevicesDisconnectedQuestion);
 }

@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "app/line_tap.h"
 #include "app/startup_choice.h"
 #include "editor/user_dialogs.h"
 #include "link/line.h"
@@ -113,6 +114,9 @@ class Session : public QObject, private link::LinkObserver {
   // Jobs submitted whose result has not come back to this thread yet (dropped ones excluded).
   int Outstanding() const { return outstanding_.load(); }
   sim::SimLine* Simulator() { return line_.simulator.get(); }
+  // The frames on the line, for the line monitor (quiet while no monitor listens).
+  LineTap& Tap() { return tap_; }
+  const std::filesystem::path& ConfigFolder() const { return configFolder_; }
 
  signals:
   void searchProgress(QString text);
@@ -127,10 +131,13 @@ class Session : public QObject, private link::LinkObserver {
   void deviceLost(int deviceId);
   // A block read timed out: "Time out" has been shown and the program must end at once.
   void fatalTimeOut();
+  // The port did not open: why, in plain words (shown beside "COM not found, ...").
+  void portProblem(QString reason);
 
  private:
   struct StartupResult {
     bool portOpened = false;
+    std::string openError;  // why the port did not open
     std::vector<int> found;
   };
   struct ConnectResult {
@@ -151,7 +158,10 @@ class Session : public QObject, private link::LinkObserver {
   void Post(std::function<void()> call);
 
   void LinkFailed(const link::LinkFailure& failure) override;
+  void FrameSent(std::span<const std::uint8_t> frame) override { tap_.Sent(frame); }
+  void ReplyTaken(std::span<const std::uint8_t> reply) override { tap_.Taken(reply); }
 
+  LineTap tap_;  // before the worker, which reports to it until it has stopped
   link::Line line_;
   link::Link link_;
   std::unique_ptr<link::LinkWorker> worker_;

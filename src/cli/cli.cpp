@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "cli/commands.h"
+#include "talvex_version.h"
 
 namespace talvex::cli {
 
@@ -15,6 +16,7 @@ const std::vector<CommandSpec>& AllCommands() {
     AddSessionCommands(table);
     AddResponseCommands(table);
     AddUtilityCommands(table);
+    AddWordsCommands(table);
     return table;
   }();
   return commands;
@@ -25,6 +27,7 @@ namespace {
 void PrintUsage(std::ostream& err) {
   err << "usage: talvexctl [--port PORT] [--id N] [--trace] [--json] [--file PRESET.tvx] COMMAND "
          "...\n"
+         "       talvexctl --help | --version\n"
          "  PORT: sim (default), sim:ID,ID,... (add @9600 to pace at the line speed),\n"
          "        tcp:HOST:PORT, or a serial port such as /dev/ttyUSB0 or COM3\n"
          "  --file: get, set and new work on that preset file and send nothing\n"
@@ -40,6 +43,8 @@ void PrintUsage(std::ostream& err) {
 
 struct ParsedLine {
   GlobalOptions options;
+  bool help = false;     // --help or -h: the usage on stdout
+  bool version = false;  // --version: "talvexctl VERSION" on stdout
   std::string command;
   std::vector<std::string> args;
 };
@@ -72,6 +77,10 @@ ParsedLine ParseCommandLine(const std::vector<std::string>& args) {
       line.options.trace = true;
     } else if (!optionsEnded && arg == "--json") {
       line.options.json = true;
+    } else if (!optionsEnded && (arg == "--help" || arg == "-h")) {
+      line.help = true;
+    } else if (!optionsEnded && arg == "--version") {
+      line.version = true;
     } else if (line.command.empty()) {
       line.command = arg;
     } else {
@@ -84,9 +93,17 @@ ParsedLine ParseCommandLine(const std::vector<std::string>& args) {
 int Run(const std::vector<std::string>& args, std::ostream& out, std::ostream& err,
         const CliHooks& hooks) {
   const ParsedLine line = ParseCommandLine(args);
-  if (line.command.empty() || line.command == "help") {
-    PrintUsage(line.command.empty() ? err : out);
-    return line.command.empty() ? kExitUsage : kExitOk;
+  if (line.version) {
+    out << "talvexctl " << kVersion << '\n';
+    return kExitOk;
+  }
+  if (line.help || line.command == "help") {
+    PrintUsage(out);
+    return kExitOk;
+  }
+  if (line.command.empty()) {
+    PrintUsage(err);
+    return kExitUsage;
   }
   const auto& commands = AllCommands();
   const auto command = std::find_if(commands.begin(), commands.end(),

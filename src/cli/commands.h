@@ -23,6 +23,7 @@ void AddParamCommands(std::vector<CommandSpec>& commands);
 void AddSessionCommands(std::vector<CommandSpec>& commands);
 void AddResponseCommands(std::vector<CommandSpec>& commands);
 void AddUtilityCommands(std::vector<CommandSpec>& commands);
+void AddWordsCommands(std::vector<CommandSpec>& commands);
 // What get and set do, and the parameter names, for the usage text.
 std::string ParamUsage();
 

@@ -3,12 +3,31 @@
 #include <algorithm>
 #include <climits>
 
+#include "link/port_problem.h"
+
 namespace talvex::link {
 
 namespace {
 
 constexpr int kConnectTimeoutMs = 5000;
 constexpr int kWriteTimeoutMs = 2000;
+
+// Qt names the kind of failure; the device file tells permission from a port another program
+// holds (Qt reports both as a permission error on Linux, and Windows says "access denied" for a
+// port in use).
+PortProblem ProblemOf(QSerialPort::SerialPortError error, const std::string& path) {
+  switch (error) {
+    case QSerialPort::DeviceNotFoundError:
+      return PortProblem::NotFound;
+    case QSerialPort::PermissionError:
+      return CheckPortAccess(path) == PortAccess::Denied ? PortProblem::NeedsPermission
+                                                         : PortProblem::Busy;
+    case QSerialPort::OpenError:
+      return PortProblem::Busy;
+    default:
+      return PortProblem::Other;
+  }
+}
 
 // Milliseconds left until `deadline`, rounded up so that a wait never ends early.
 int MillisecondsUntil(const Clock& clock, Clock::TimePoint deadline) {
@@ -57,9 +76,11 @@ std::string SerialTransport::Open() {
   port_->setPortName(QString::fromStdString(portName_));
   port_->setReadBufferSize(kReceiveBufferSize);
   if (!port_->open(QIODevice::ReadWrite)) {
-    const std::string why = port_->errorString().toStdString();
+    const PortProblem problem = ProblemOf(port_->error(), portName_);
+    const std::string system = port_->errorString().toStdString();
     port_.reset();
-    return "cannot open serial port " + portName_ + ": " + why;
+    return "cannot open serial port " + portName_ + ": " +
+           DescribePortProblem(problem, OwnerGroup(portName_)) + " (" + system + ")";
   }
   const bool configured =
       port_->setBaudRate(QSerialPort::Baud9600) && port_->setDataBits(QSerialPort::Data8) &&

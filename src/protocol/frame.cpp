@@ -80,6 +80,12 @@ std::string ParameterKey(const Command& command) {
   }
 }
 
+std::string CommandName(std::uint8_t commandCode) {
+  for (const CommandInfo& info : kCommandNames)
+    if (info.code == commandCode) return std::string(info.name);
+  return "code " + std::to_string(commandCode);
+}
+
 std::string FormatHex(std::span<const std::uint8_t> bytes) {
   static constexpr char kDigits[] = "0123456789ABCDEF";
   std::string text;

@@ -8,6 +8,7 @@
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace talvex {
 
@@ -64,6 +65,42 @@ inline constexpr std::uint8_t kLimiter = 35;
 inline constexpr std::uint8_t kReadStateEnd = 36;
 inline constexpr std::uint8_t kLeaveProgram = 143;  // never acknowledged
 }  // namespace code
+
+// The name of each command code above, for the line monitor and traces: what the command does
+// on the device. Every code of the table has exactly one row.
+struct CommandInfo {
+  std::uint8_t code;
+  std::string_view name;
+};
+inline constexpr std::array<CommandInfo, 24> kCommandNames = {{
+    {code::kPoll, "poll"},
+    {code::kChannelLevel, "level"},
+    {code::kDelay, "delay"},
+    {code::kPolarity, "polarity"},
+    {code::kCrossover, "crossover"},
+    {code::kEqBand, "EQ band"},
+    {code::kDbuLevel, "limiter threshold"},
+    {code::kOutputSource, "output source"},
+    {code::kMute, "mute"},
+    {code::kReadBlock, "read block"},
+    {code::kInputSource, "input source"},
+    {code::kChannelName, "channel name"},
+    {code::kRelease, "release device"},
+    {code::kMemoryRead, "memory read"},
+    {code::kMemoryWrite, "memory write"},
+    {code::kMeterPoll, "level meters"},
+    {code::kSetSystemType, "system type"},
+    {code::kReadState, "read state"},
+    {code::kStoreData, "store data"},
+    {code::kChannelBits, "channel bits"},
+    {code::kSwitch, "output link"},
+    {code::kLimiter, "limiter"},
+    {code::kReadStateEnd, "read state end"},
+    {code::kLeaveProgram, "leave program"},
+}};
+
+// The command's name, or "code N" for a code no device knows (line noise, a future command).
+std::string CommandName(std::uint8_t commandCode);
 
 // True for the two codes that a device never acknowledges (release and leave-program).
 constexpr bool IsUnacknowledged(std::uint8_t commandCode) {

@@ -17,6 +17,16 @@ namespace code = protocol::code;
 
 namespace {
 
+// The system types as a name of 16 characters has room for them: "SIM 2x2 00".
+constexpr std::array<const char*, params::kSystemTypeCount> kShortTypeNames = {"2x2", "2x3",
+                                                                               "6way"};
+
+std::string DefaultName(int id, int systemType) {
+  const std::string number = std::to_string(id);
+  return std::string("SIM ") + kShortTypeNames[static_cast<std::size_t>(systemType)] + " " +
+         (number.size() < 2 ? "0" : "") + number;
+}
+
 std::size_t AddressOf(const protocol::Command& command) {
   return static_cast<std::size_t>(command.p(1)) << 8 | command.p(2);
 }
@@ -55,9 +65,19 @@ SimDevice::SimDevice(int id, int systemType) : id_(id) {
   CheckIndex(id, kMaxDeviceId, "device ID");
   CheckIndex(systemType, params::kSystemTypeCount - 1, "system type");
   SetSystemType(systemType);
-  std::fill_n(memory_.begin() + mem::kDeviceName, mem::kDeviceNameLength, ' ');
+  SetName(DefaultName(id, systemType));
   std::copy(params::EmptyPresetName.begin(), params::EmptyPresetName.end(),
             memory_.begin() + mem::kPresetName);
+}
+
+void SimDevice::SetName(const std::string& name) {
+  for (std::size_t i = 0; i < mem::kDeviceNameLength; ++i)
+    memory_[mem::kDeviceName + i] = static_cast<std::uint8_t>(i < name.size() ? name[i] : ' ');
+}
+
+std::string SimDevice::Name() const {
+  return {memory_.begin() + mem::kDeviceName,
+          memory_.begin() + mem::kDeviceName + mem::kDeviceNameLength};
 }
 
 int SimDevice::FramesHandled(std::uint8_t commandCode) const {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "params/image_layout.h"
@@ -31,6 +32,12 @@ class SimDevice {
   const DeviceState& State() const { return state_; }
   Memory& DeviceMemory() { return memory_; }
   const Memory& DeviceMemory() const { return memory_; }
+  // The device's name at memory 368..383, blank-padded to 16 characters. A new simulated
+  // device is named after its system type and ID ("SIM 2x2 00"), so that a list of simulated
+  // devices is told apart; SetName({}) leaves 16 blanks, as a device leaves the factory.
+  void SetName(const std::string& name);
+  std::string Name() const;
+
   // Locked while the lock byte (memory 0x16) is not 0.
   bool Locked() const { return memory_[protocol::memory::kLock] != protocol::memory::kUnlocked; }
 

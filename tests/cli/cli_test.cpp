@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "cli_harness.h"
+#include "talvex_version.h"
 
 namespace talvex::cli {
 namespace {
@@ -12,9 +13,43 @@ namespace {
 TEST(CliTest, shouldListTheDevicesFoundInIdOrderWithProgressOnStderr) {
   CliRun run({"--port", "sim:7,0,3", "scan"});
   EXPECT_EQ(run.status, kExitOk);
-  EXPECT_EQ(run.out.str(), "ID 0\nID 3\nID 7\n");  // unnamed devices: nothing after the ID
+  // Simulated devices are named after their system type and ID.
+  EXPECT_EQ(run.out.str(), "ID 0  SIM 2x2 00\nID 3  SIM 2x2 03\nID 7  SIM 2x2 07\n");
   EXPECT_NE(run.err.str().find("0 %\n3.1 %\n6.2 %\n9.3 %\n"), std::string::npos);
   EXPECT_NE(run.err.str().find("\n100 %\n"), std::string::npos);
+}
+
+TEST(CliTest, shouldAnswerHelpVersionAndWordsWithoutTouchingTheLine) {
+  const struct {
+    std::vector<std::string> args;
+    int status;
+    std::string outStart;
+  } cases[] = {
+      {{"--version"}, kExitOk, std::string("talvexctl ") + kVersion + "\n"},
+      {{"--help"}, kExitOk, "usage: talvexctl"},
+      {{"-h", "scan"}, kExitOk, "usage: talvexctl"},
+      {{"words", "channels"}, kExitOk, "inA\ninB\nout1\nout2\nout3\nout4\nout5\nout6\n"},
+      {{"words", "commands"}, kExitOk, "scan\nping\nsend\n"},
+      {{"words", "params"}, kExitOk, "input.source\ninA.level\n"},
+      {{"words", "ports"}, kExitUsage, ""},
+  };
+  for (const auto& c : cases) {
+    CliRun run(c.args);
+    EXPECT_EQ(run.status, c.status) << c.args[0];
+    EXPECT_EQ(run.out.str().substr(0, c.outStart.size()), c.outStart) << c.args[0];
+    EXPECT_EQ(run.FramesSeen(), 0) << c.args[0];
+  }
+}
+
+TEST(CliTest, shouldSayWhyTheSerialPortDidNotOpen) {
+  CliRun run({"--port", "/dev/ttyTALVEXmissing", "scan"});
+  EXPECT_EQ(run.status, kExitFailure);
+  EXPECT_EQ(
+      run.err.str().rfind("talvexctl: cannot open serial port /dev/ttyTALVEXmissing: the port "
+                          "does not exist: is the adapter plugged in, and is the name right? (",
+                          0),
+      0u)
+      << run.err.str();
 }
 
 TEST(CliTest, shouldExitByWhetherTheDeviceAnswersAPing) {
@@ -28,10 +63,11 @@ TEST(CliTest, shouldExitByWhetherTheDeviceAnswersAPing) {
 TEST(CliTest, shouldTraceEachFrameAndPrintTheReply) {
   CliRun run({"--port", "sim:0,3", "--id", "3", "--trace", "send", "16", "1", "112"});
   EXPECT_EQ(run.status, kExitOk);
-  EXPECT_EQ(run.out.str(), "F0 81 03 10 01 70 00 00 20 20 00 00 F7\n");
+  // Memory 368 and 369 hold the first two characters of the name, "SI" of "SIM 2x2 03".
+  EXPECT_EQ(run.out.str(), "F0 81 03 10 01 70 00 00 53 49 00 00 F7\n");
   EXPECT_EQ(run.err.str(),
             "> F0 81 03 10 01 70 00 00 00 00 00 00 F7\n"
-            "< F0 81 03 10 01 70 00 00 20 20 00 00 F7\n");
+            "< F0 81 03 10 01 70 00 00 53 49 00 00 F7\n");
 }
 
 TEST(CliTest, shouldReportAFinalFailureInTheSystemsWordsAndExit1) {

@@ -71,6 +71,8 @@ class Bench {
 TEST(SessionCommandsTest, shouldListEachDeviceWithItsName) {
   Bench bench({7, 0, 3});
   bench.PutMemory(3, 368, "  Stage left    ");
+  for (int unnamed : {0, 7})  // 16 blanks, as a device leaves the factory: nothing after the ID
+    bench.PutMemory(unnamed, 368, std::string(16, ' '));
   ASSERT_EQ(bench.Run({"scan"}), kExitOk);
   EXPECT_EQ(bench.out.str(), "ID 0\nID 3    Stage left\nID 7\n");
   ASSERT_EQ(bench.Run({"--json", "scan"}), kExitOk);

@@ -107,7 +107,7 @@ TEST(RealLineTest, shouldShowTheFramesOfARealSearch) {
   const Finished scan =
       RunToEnd(TALVEXCTL_PATH, {"--port", QString::fromStdString(pty.Second()), "--trace", "scan"});
   EXPECT_EQ(scan.status, 0) << scan.err;
-  EXPECT_EQ(scan.out, "ID 0\nID 1\nID 31\n");
+  EXPECT_EQ(scan.out, "ID 0  SIM 2x2 00\nID 1  SIM 2x2 01\nID 31  SIM 2x2 31\n");
   EXPECT_NE(scan.err.find("> F0 81 1F 00 00 00 00 00 00 00 00 1F F7\n"
                           "< F0 81 1F 00 81 00 00 00 00 00 00 00 F7\n"),
             std::string::npos);

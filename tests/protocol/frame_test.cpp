@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 namespace talvex::protocol {
 namespace {
 
@@ -41,6 +43,22 @@ TEST(SplitToBytesTest, shouldSplitBigEndianAfterRoundingTiesToEven) {
   };
   for (const Case& c : cases)
     EXPECT_EQ(SplitToBytes(c.value), c.bytes) << c.value;
+}
+
+// The line monitor names frames by this table: one distinct name for each code devices know.
+TEST(CommandNameTest, shouldNameEveryKnownCodeOnceAndNumberTheRest) {
+  const std::pair<std::uint8_t, const char*> cases[] = {
+      {0, "poll"},         {11, "read block"},     {16, "memory read"}, {17, "memory write"},
+      {21, "system type"}, {143, "leave program"}, {6, "code 6"},       {255, "code 255"},
+  };
+  for (const auto& [code, name] : cases)
+    EXPECT_EQ(CommandName(code), name) << int(code);
+  std::set<std::uint8_t> codes;
+  std::set<std::string_view> names;
+  for (const CommandInfo& info : kCommandNames) {
+    EXPECT_TRUE(codes.insert(info.code).second) << int(info.code);
+    EXPECT_TRUE(names.insert(info.name).second) << info.name;
+  }
 }
 
 }  // namespace

@@ -20,6 +20,26 @@ TEST(SimDeviceTest, shouldAnswerAPollWith0x81AtIndex4) {
   EXPECT_EQ(protocol::FormatHex(reply), "F0 81 03 00 81 00 00 00 00 00 00 00 F7");
 }
 
+TEST(SimDeviceTest, shouldBeNamedAfterItsSystemTypeAndIdUntilRenamed) {
+  const struct {
+    int id;
+    int type;
+    const char* name;
+  } cases[] = {{0, 0, "SIM 2x2 00      "}, {7, 1, "SIM 2x3 07      "}, {32, 2, "SIM 6way 32     "}};
+  for (const auto& c : cases) {
+    SimDevice device(c.id, c.type);
+    EXPECT_EQ(device.Name(), c.name);
+    // A name read as the device list reads it: memory 368.. through command 16, byte 8.
+    const auto reply = device.Handle(Request(c.id, 16, {1, 112 + 4}));
+    EXPECT_EQ(reply[8], c.name[4]) << c.name;
+  }
+  SimDevice device(5);
+  device.SetName("Stage left");
+  EXPECT_EQ(device.Name(), "Stage left      ");
+  device.SetName({});
+  EXPECT_EQ(device.Name(), std::string(16, ' '));
+}
+
 TEST(SimDeviceTest, shouldNeverAnswerTheReleaseAndLeaveCommands) {
   SimDevice device(0);
   EXPECT_TRUE(device.Handle(Request(0, 15)).empty());

@@ -14,7 +14,8 @@ std::vector<std::uint8_t> Frame(int id, std::uint8_t code) {
 
 std::vector<std::uint8_t> Values(const std::vector<ScheduledByte>& bytes) {
   std::vector<std::uint8_t> values;
-  for (const auto& byte : bytes) values.push_back(byte.value);
+  for (const auto& byte : bytes)
+    values.push_back(byte.value);
   return values;
 }
 
@@ -89,7 +90,8 @@ TEST(SimLineTest, shouldDrawRandomFaultsReproduciblyFromTheSeed) {
     line.Faults(0).dropRequestRate = 0.3;
     line.Faults(0).seed = seed;
     std::vector<bool> answered;
-    for (int i = 0; i < 200; ++i) answered.push_back(!line.Receive(Frame(0, 1)).empty());
+    for (int i = 0; i < 200; ++i)
+      answered.push_back(!line.Receive(Frame(0, 1)).empty());
     return answered;
   };
   const auto first = run(7);

@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# The man pages name every option the programs' --help prints, and talvexctl's page every
+# command: a new option or command without its page fails here.
+# usage: man_pages_test.sh MAN_FOLDER TALVEX TALVEXCTL TALVEX_SIM
+set -uo pipefail
+man=$1
+failures=0
+passed=0
+
+check() {  # check PAGE WORD...: each WORD must stand in the page (roff escapes its dashes)
+  local page=$1; shift
+  local word
+  for word in "$@"; do
+    if sed 's/\\-/-/g' "$man/$page" | grep -qw -- "$word"; then
+      passed=$((passed + 1))
+    else
+      echo "$page does not name $word"
+      failures=$((failures + 1))
+    fi
+  done
+}
+
+options() { "$@" 2>&1 | grep -o -- '--[a-z][a-z-]*' | sort -u; }
+
+check talvex.1 $(QT_QPA_PLATFORM=offscreen options "$2" --help)
+check talvexctl.1 $(options "$3" --help) $("$3" words commands)
+check talvex-sim.1 $(options "$4" --help)
+echo "$passed passed, $failures failed"
+[ "$failures" -eq 0 ]
