@@ -1,10 +1,9 @@
 // words: the words talvexctl understands, one a line, for shell completion. They come from the
 // tables the commands themselves use, so the completion never falls behind.
 #include <ostream>
-#include <set>
 
 #include "cli/commands.h"
-#include "params/param_names.h"
+#include "cli/param_words.h"
 
 namespace talvex::cli {
 
@@ -21,19 +20,10 @@ int Words(CliContext& context) {
       out << command.name << '\n';
   } else if (kind == "params") {
     for (const params::ParamRef& ref : params::AllParams())
-      out << params::ParamName(ref) << '\n';
+      out << ParamName(ref) << '\n';
   } else if (kind == "channels") {
-    // The channel is what stands before the first dot of a channel parameter: inA .. out6.
-    std::vector<std::string> channels;
-    std::set<std::string> seen;
-    for (const params::ParamRef& ref : params::AllParams()) {
-      const std::string name = params::ParamName(ref);
-      const std::string channel = name.substr(0, name.find('.'));
-      if (ref.kind != params::ParamKind::InputSource && seen.insert(channel).second)
-        channels.push_back(channel);
-    }
-    for (const std::string& channel : channels)
-      out << channel << '\n';
+    for (int channel = 0; channel < params::kChannelCount; ++channel)
+      out << ChannelWord(channel) << '\n';
   } else {
     throw UsageError("words \"" + kind + "\": expected " + kWordKinds);
   }

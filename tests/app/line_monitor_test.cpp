@@ -65,7 +65,7 @@ TEST(LineMonitorTest, shouldShowTheSearchAndAConnectWithTimeIdAndCommandName) {
       << search[1].toStdString();
   EXPECT_TRUE(AnyLine(search, ">  ID  3  memory read        F0 81 03 10 01 70"));
 
-  app.Session().Connect(3);
+  app.window->ConnectDevice(3);
   app.Settle();
   const QStringList all = ViewLines(monitor);
   EXPECT_TRUE(AnyLine(all, ">  ID  3  read block         F0 81 03 0B"));
@@ -88,7 +88,7 @@ TEST(LineMonitorTest, shouldFilterByDevicePauseAndSaveWhatItShows) {
 
   monitor.PauseBox()->setChecked(true);
   const std::size_t before = monitor.Log().Size();
-  app.Session().Connect(3);
+  app.window->ConnectDevice(3);
   app.Settle();
   EXPECT_GT(monitor.Log().Size(), before);  // kept while paused
   EXPECT_EQ(ViewLines(monitor), three);     // but not shown

@@ -30,7 +30,7 @@ TEST(CliTest, shouldAnswerHelpVersionAndWordsWithoutTouchingTheLine) {
       {{"-h", "scan"}, kExitOk, "usage: talvexctl"},
       {{"words", "channels"}, kExitOk, "inA\ninB\nout1\nout2\nout3\nout4\nout5\nout6\n"},
       {{"words", "commands"}, kExitOk, "scan\nping\nsend\n"},
-      {{"words", "params"}, kExitOk, "input.source\ninA.level\n"},
+      {{"words", "params"}, kExitOk, "input.source\ndelay.unit\n"},
       {{"words", "ports"}, kExitUsage, ""},
   };
   for (const auto& c : cases) {
