@@ -75,6 +75,7 @@ void ShowPreset(sim::SimLine& line, int id) {
   setType.code = protocol::code::kSetSystemType;
   setType.p(1) = 1;
   line.Device(id).Handle(protocol::BuildFrame(id, setType));
+  line.Device(id).SetName("SIM 2x3 " + std::string(id < 10 ? "0" : "") + std::to_string(id));
   auto& live = line.Device(id).LiveImage();
   std::copy_n(device.image.begin(), live.size(), live.begin());
 }

@@ -32,7 +32,8 @@ MainWindow::MainWindow(std::unique_ptr<Session> session, UserDialogs& dialogs, Q
   BuildMenus();
   lineState_ = new QLabel;
   statusBar()->addPermanentWidget(lineState_);
-  resize(QSize(1280, 860).boundedTo(screen()->availableGeometry().size()));
+  // Room for the device list and an editor beside it: most of the screen.
+  resize(screen()->availableGeometry().size() * 0.92);
   connect(session_.get(), &Session::startupFinished, this, &MainWindow::FinishStartup);
   connect(session_.get(), &Session::searchStarted, this, &MainWindow::ShowSearch);
   connect(session_.get(), &Session::searchEnded, this, [this] {

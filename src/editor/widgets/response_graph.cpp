@@ -211,6 +211,38 @@ ResponseGraph::ResponseGraph(QWidget* parent)
   FollowDpi();
 }
 
+double RelativeLuminance(const QColor& colour) {
+  const auto linear = [](double c) {
+    return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+         0.0722 * linear(colour.blueF());
+}
+
+double ContrastRatio(const QColor& a, const QColor& b) {
+  const double la = RelativeLuminance(a);
+  const double lb = RelativeLuminance(b);
+  return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
+}
+
+// On a dark plot the darker channel colours (dark blue, dark red) would all but vanish: the hue
+// stays and the lightness is raised until the curve stands out at 3.5:1, the contrast the
+// accessibility guidelines ask of lines and large text (3:1), with a margin.
+QColor ChannelColour(int channel, const QColor& background) {
+  const QColor colour(kChannelColours.at(static_cast<std::size_t>(channel)));
+  constexpr float kDarkBackground = 0.5f;
+  constexpr double kContrastWanted = 3.5;
+  if (background.lightnessF() >= kDarkBackground) return colour;
+  float hue = 0, saturation = 0, lightness = 0;
+  colour.getHslF(&hue, &saturation, &lightness);
+  QColor lighter = colour;
+  while (ContrastRatio(lighter, background) < kContrastWanted && lightness < 1.0f) {
+    lightness = std::min(1.0f, lightness + 0.02f);
+    lighter = QColor::fromHslF(hue, saturation, lightness);
+  }
+  return lighter;
+}
+
 void GraphCurves::Show(const graph::ResponseTables& tables, int channel, float level) {
   const auto at = static_cast<std::size_t>(channel);
   magnitude.at(at) = &tables.ChannelMagnitude(channel);
@@ -298,7 +330,7 @@ void ResponseGraph::PaintCurves(QPainter& painter, const GraphGeometry& geometry
   const auto draw = [&](int channel, const graph::Curve& curve, auto y) {
     for (int j = 0; j < kDrawnPointCount; ++j)
       points_[static_cast<std::size_t>(j)].setY(origin.y() + y(curve[kFirstDrawnPoint + j]));
-    painter.setPen(QPen(QColor(kChannelColours[static_cast<std::size_t>(channel)]), 0));
+    painter.setPen(QPen(ChannelColour(channel, palette().color(QPalette::Base)), 0));
     painter.drawPolyline(points_.data(), kDrawnPointCount);
   };
   for (int channel = 0; channel < graph::kChannelCount; ++channel) {
@@ -393,10 +425,10 @@ void ResponseGraph::PaintCursor(QPainter& painter, const QRect& plot) const {
   painter.fillRect(box, palette().color(QPalette::Base));
   painter.setPen(palette().color(QPalette::Mid));
   painter.drawRect(box);
+  const QColor base = palette().color(QPalette::Base);
   for (int i = 0; i < lines.size(); ++i) {
     painter.setPen(i == 0 ? palette().color(QPalette::Text)
-                          : QColor(kChannelColours[static_cast<std::size_t>(
-                                channels[static_cast<std::size_t>(i - 1)])]));
+                          : ChannelColour(channels[static_cast<std::size_t>(i - 1)], base));
     painter.drawText(box.left() + 4, box.top() + 2 + metrics.ascent() + i * lineHeight, lines[i]);
   }
 }

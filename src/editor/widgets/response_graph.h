@@ -32,6 +32,12 @@ inline constexpr std::array<QRgb, graph::kChannelCount> kChannelColours = {
     qRgb(255, 0, 0),   qRgb(0, 0, 255), qRgb(255, 0, 255), qRgb(192, 0, 0),
     qRgb(0, 192, 192), qRgb(0, 255, 0), qRgb(0, 0, 192),   qRgb(255, 128, 0)};
 
+// The colour a channel's curves are drawn in on a plot of the given background: the fixed
+// colour, or on a dark background (a dark theme) the same hue made light enough to read.
+QColor ChannelColour(int channel, const QColor& background);
+// The contrast ratio of two colours (1 .. 21), by their relative luminance.
+double ContrastRatio(const QColor& a, const QColor& b);
+
 // What the graph draws: each channel's magnitude and phase curve, or none (null: the channel is
 // not shown). The curves belong to the editor window and must outlive the graph (or be replaced
 // before they go). levelDb is each channel's level, added to its magnitude curve (the curves

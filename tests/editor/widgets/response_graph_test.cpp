@@ -174,3 +174,21 @@ TEST_F(ResponseGraphTest, shouldPaintThePlotWherePlotRectSays) {
 
 }  // namespace
 }  // namespace talvex::editor
+
+namespace talvex::editor {
+namespace {
+
+// The fixed colours on a light plot; on a dark one every channel still reads at 3:1 or better.
+TEST(ChannelColourTest, shouldKeepEveryChannelReadableOnALightAndADarkPlot) {
+  EXPECT_NEAR(ContrastRatio(QColor(0, 0, 0), QColor(255, 255, 255)), 21.0, 1e-9);
+  const QColor light(255, 255, 255);
+  const QColor dark(42, 42, 46);
+  for (int channel = 0; channel < graph::kChannelCount; ++channel) {
+    EXPECT_EQ(ChannelColour(channel, light).rgb(),
+              kChannelColours[static_cast<std::size_t>(channel)]);
+    EXPECT_GE(ContrastRatio(ChannelColour(channel, dark), dark), 3.0) << channel;
+  }
+}
+
+}  // namespace
+}  // namespace talvex::editor
