@@ -32,8 +32,8 @@ void PrintSummary(CliContext& context, std::string_view lead, const std::string&
                   << ", \"slotsUsed\": " << backup.UsedSlots() << "}\n";
     return;
   }
-  context.Out() << lead << path << ": \"" << name << "\", " << type << ", " << backup.UsedSlots() << " of "
-                << params::kSlotCount << " preset slots used\n";
+  context.Out() << lead << path << ": \"" << name << "\", " << type << ", " << backup.UsedSlots()
+                << " of " << params::kSlotCount << " preset slots used\n";
 }
 
 int Backup(CliContext& context) {

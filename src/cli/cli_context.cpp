@@ -71,6 +71,7 @@ void CliContext::TurnTo(int deviceId, std::ostream& out, std::ostream& err) {
 }
 
 link::Link& CliContext::Link() {
+  if (wordsOnly_) throw WordsChecked{};
   if (link_) return *link_;
   const link::PortSpec spec = link::ParsePortSpec(options_.port);  // checked before any command
   line_ = hooks_.makeLine(spec);

@@ -32,6 +32,10 @@ class CommandFailed : public std::runtime_error {
   bool printed_;
 };
 
+// Thrown by CliContext::Link() while only the words are checked: the command got as far as
+// the line, so its words are good. Not an error; derives from nothing a command catches.
+struct WordsChecked {};
+
 struct GlobalOptions {
   std::string port = "sim";
   int id = 0;  // the device a command works on (in a run on several devices, the one now)
@@ -59,6 +63,9 @@ class CliContext : private link::LinkObserver {
   // A run on several devices turns to the next one on the same line: its ID, where its result
   // and its messages go, and a fresh count of link failures.
   void TurnTo(int deviceId, std::ostream& out, std::ostream& err);
+  // While set, Link() throws WordsChecked instead of opening the line: a command run so checks
+  // its words (every command checks them before it reads or sends anything) and stops there.
+  void CheckWordsOnly(bool only) { wordsOnly_ = only; }
 
   // The link to the line of --port, opened on first use with failures reported (a failure
   // prints the system's message and is remembered). Throws CommandFailed if the port won't open.
@@ -85,6 +92,7 @@ class CliContext : private link::LinkObserver {
   std::optional<link::Line> line_;
   std::unique_ptr<link::Link> link_;
   int failures_ = 0;
+  bool wordsOnly_ = false;
 };
 
 // The progress of a long job on stderr, "push 45 %", a line each time the whole percent grows

@@ -47,12 +47,10 @@ std::string Prefix(int id) {
 }
 
 // The command on the device the context points at, its failures turned into an exit status as
-// a run on one device does; a usage error ends the whole run (it would be one on every device).
+// a run on one device does.
 int RunGuarded(const CommandSpec& command, CliContext& context) {
   try {
     return command.run(context);
-  } catch (const UsageError&) {
-    throw;
   } catch (const CommandFailed& error) {
     if (!error.Printed()) context.Err() << error.what() << '\n';
   } catch (const std::exception& error) {
@@ -64,14 +62,35 @@ int RunGuarded(const CommandSpec& command, CliContext& context) {
 void PrintResult(CliContext& context, std::ostream& out, int id, int status,
                  const std::string& result) {
   if (context.Options().json) {
-    std::string json = result.substr(0, result.find_last_not_of('\n') + 1);
-    out << "{\"id\": " << id << ", \"status\": " << status
-        << ", \"result\": " << (status == kExitOk && !json.empty() ? json : "null") << "}\n";
+    // Commands that print JSON give it as it is, the others their text as a JSON string.
+    const std::string text = result.substr(0, result.find_last_not_of('\n') + 1);
+    const bool json = text.starts_with('{') || text.starts_with('[');
+    out << "{\"id\": " << id << ", \"status\": " << status << ", \"result\": "
+        << (status != kExitOk || text.empty() ? "null"
+            : json                            ? text
+                                              : JsonString(text))
+        << "}\n";
     return;
   }
   std::istringstream lines(result);
   for (std::string line; std::getline(lines, line);)
     out << Prefix(id) << line << '\n';
+}
+
+// The command's words, checked once before anything goes on the line: the command runs until
+// it wants the line. A usage error (or a refusal that needs no device) ends the whole run here,
+// with nothing sent; kExitOk means the words are good.
+int CheckWords(const CommandSpec& command, CliContext& context) {
+  context.CheckWordsOnly(true);
+  struct Reset {
+    CliContext& context;
+    ~Reset() { context.CheckWordsOnly(false); }
+  } reset{context};
+  try {
+    return command.run(context) == kExitUsage ? kExitUsage : kExitOk;
+  } catch (const WordsChecked&) {
+    return kExitOk;
+  }
 }
 
 std::vector<int> DevicesOf(CliContext& context, std::ostream& err) {
@@ -105,6 +124,7 @@ int RunOnManyDevices(const CommandSpec& command, CliContext& context) {
     std::ostream& err;
     ~StreamsBack() { context.TurnTo(context.Options().id, out, err); }
   } streamsBack{context, out, err};
+  if (CheckWords(command, context) == kExitUsage) return kExitUsage;
   bool allSucceeded = true;
   for (int id : DevicesOf(context, err)) {
     std::ostringstream result;
@@ -118,7 +138,6 @@ int RunOnManyDevices(const CommandSpec& command, CliContext& context) {
     } else {
       deviceErr << "does not answer\n";
     }
-    if (status == kExitUsage) return kExitUsage;
     if (status != kExitOk && !prefixer.Wrote()) deviceErr << "failed\n";
     PrintResult(context, out, id, status, result.str());
     allSucceeded = allSucceeded && status == kExitOk;

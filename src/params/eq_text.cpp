@@ -1,6 +1,7 @@
 #include "params/eq_text.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cmath>
 #include <cstdio>
@@ -173,6 +174,11 @@ class ValueReader {
     return lower == "fc" || lower == "gain" || lower == "q" || lower == "bw";
   }
 
+  static bool IsSlopeUnit(std::string_view word) {
+    const std::string lower = Lower(word);
+    return lower == "db" || lower == "db/oct";
+  }
+
   // "LS 6dB", "LSC 12 dB": a slope in dB per octave right after a shelf's type.
   void ReadSlope(ReadFilter& filter) {
     if (at_ >= words_.size()) return;
@@ -180,7 +186,9 @@ class ValueReader {
     const std::optional<Written> slope = ReadNumber(words_[at_], unit);
     if (!slope || slope->text.empty()) return;
     ++at_;
-    if (unit.empty() && at_ < words_.size() && Lower(words_[at_]) == "db") ++at_;
+    if (unit.empty() && at_ < words_.size() && IsSlopeUnit(words_[at_])) unit = words_[at_++];
+    if (!unit.empty() && !IsSlopeUnit(unit))
+      filter.error = "\"" + std::string(unit) + "\" is no unit of a slope";
     filter.slope = slope;
   }
 
@@ -492,6 +500,9 @@ EqImportPlan PlanEqImport(std::string_view text, std::span<const std::uint8_t> i
     plan.bands.push_back({band, {BandFrequency(image, band), BandWidthIndex(image, band), 0}, 0});
   }
   PlanReader reader(plan, mark);
+  // Programs on Windows often begin a text file with the byte-order mark of UTF-8.
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
   int line = 0;
   while (!text.empty()) {
     const std::size_t end = text.find('\n');

@@ -52,6 +52,10 @@ TEST(ManyDevicesTest, shouldSearchTheLineForAll) {
             "{\"id\": 2, \"status\": 0, \"result\": {\"out1.level\": 0}}\n"
             "{\"id\": 9, \"status\": 0, \"result\": {\"out1.level\": 0}}\n");
   EXPECT_EQ(Lines(bench.err.str(), "100 %"), 1);  // the search's progress
+  ASSERT_EQ(bench.Run({"--id", "all", "--json", "store", "1", "Gig"}), kExitOk);
+  EXPECT_EQ(bench.out.str(),
+            "{\"id\": 2, \"status\": 0, \"result\": \"1  used  Gig\"}\n"
+            "{\"id\": 9, \"status\": 0, \"result\": \"1  used  Gig\"}\n");
   Bench empty({});
   EXPECT_EQ(empty.Run({"--id", "all", "lock"}), kExitFailure);
   EXPECT_NE(empty.err.str().find("talvexctl: no device answers on the line\n"), std::string::npos);

@@ -131,6 +131,8 @@ TEST(EqTextTest, shouldTakeNoBandForALineItCannotReadOrATypeTheDeviceLacks) {
       {"Filter 1: ON AP Fc 80 Hz Q 0.7", EqNoteKind::DoesNotFit,
        "line 1, Filter 1: an all-pass filter (AP): the device's bands are bells and shelves"},
       {"Filter 1: ON None", EqNoteKind::Skipped, "line 1, Filter 1: no filter (None), skipped"},
+      {"Filter 1: ON LS 6dBx Fc 100 Hz Gain 1 dB", EqNoteKind::DoesNotFit,
+       "line 1, Filter 1: \"dBx\" is no unit of a slope: not read"},
       {"Preamp: loud", EqNoteKind::Skipped, "line 1, Preamp: no number: ignored"},
   };
   for (const BadLineCase& c : cases) {
@@ -158,6 +160,12 @@ TEST(EqTextTest, shouldFlattenTheBandsTheTextLeavesAndRefuseATextWithoutFilters)
 
   EXPECT_FALSE(PlanEqImport("just some text\nno filters\n", device.image, 0).HasFilters());
   EXPECT_TRUE(PlanEqImport("Filter 1: OFF None\n", device.image, 0).HasFilters());
+  const EqImportPlan marked = PlanEqImport(
+      "\xEF\xBB\xBF"
+      "Filter 1: ON PK Fc 63 Hz Gain -4 dB Q 2.914\r\n",
+      device.image, 0);
+  EXPECT_EQ(marked.bandsFromText, 1);
+  EXPECT_TRUE(marked.notes.empty());
 }
 
 TEST(EqTextTest, shouldApplyEveryBandThroughTheEditPathAndFollowTheOutputLink) {
