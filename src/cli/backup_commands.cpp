@@ -89,8 +89,8 @@ int Restore(CliContext& context) {
 void AddBackupCommands(std::vector<CommandSpec>& commands) {
   commands.push_back({"backup", "FILE",
                       "save everything the device keeps (running preset, 24 slots with names, "
-                      "device name, system type, settings) to FILE; with several devices "
-                      "FILE-IDn (progress on stderr)",
+                      "device name, system type, settings) to FILE (several devices: one file "
+                      "each, rack.tvb giving rack-ID3.tvb); progress on stderr",
                       Backup});
   commands.push_back({"restore", "FILE",
                       "check a backup file whole, then put it on the device (progress on "

@@ -31,9 +31,9 @@ std::string ParamUsage();
 
 const std::vector<CommandSpec>& AllCommands();
 
-// Whether `command` runs on several devices (--id 0,3,7 or --id all), and the run itself: the
+// A command on several devices (--id 0,3,7 or --id all): its words checked once, then the
 // command on each device in turn, one result line per device, exit 0 only when all succeeded.
-bool RunsOnManyDevices(const std::string& command);
+// UsageError for a command that works on one device only.
 int RunOnManyDevices(const CommandSpec& command, CliContext& context);
 
 // The record a command works on: with --file the preset file as a whole, else the live image

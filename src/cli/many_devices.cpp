@@ -101,12 +101,32 @@ std::vector<int> DevicesOf(CliContext& context, std::ostream& err) {
   return found;
 }
 
-}  // namespace
-
 bool RunsOnManyDevices(const std::string& command) {
   return std::find(kManyDeviceCommands.begin(), kManyDeviceCommands.end(), command) !=
          kManyDeviceCommands.end();
 }
+
+// The command on one device: its messages on stderr after "ID n: ", its result after them.
+// Returns the device's exit status.
+int RunOnDevice(const CommandSpec& command, CliContext& context, int id, std::ostream& out,
+                std::ostream& err) {
+  std::ostringstream result;
+  LinePrefixer prefixer(err, Prefix(id));
+  std::ostream deviceErr(&prefixer);
+  context.TurnTo(id, result, deviceErr);
+  int status = kExitFailure;
+  // A device that is not there costs two short polls, not a command's five transmissions.
+  if (context.Options().allIds || link::PollTwice(context.Link(), id)) {
+    status = RunGuarded(command, context);
+  } else {
+    deviceErr << "does not answer\n";
+  }
+  if (status != kExitOk && !prefixer.Wrote()) deviceErr << "failed\n";
+  PrintResult(context, out, id, status, result.str());
+  return status;
+}
+
+}  // namespace
 
 int RunOnManyDevices(const CommandSpec& command, CliContext& context) {
   if (!RunsOnManyDevices(command.name))
@@ -126,22 +146,8 @@ int RunOnManyDevices(const CommandSpec& command, CliContext& context) {
   } streamsBack{context, out, err};
   if (CheckWords(command, context) == kExitUsage) return kExitUsage;
   bool allSucceeded = true;
-  for (int id : DevicesOf(context, err)) {
-    std::ostringstream result;
-    LinePrefixer prefixer(err, Prefix(id));
-    std::ostream deviceErr(&prefixer);
-    context.TurnTo(id, result, deviceErr);
-    int status = kExitFailure;
-    // A device that is not there costs two short polls, not a command's five transmissions.
-    if (context.Options().allIds || link::PollTwice(context.Link(), id)) {
-      status = RunGuarded(command, context);
-    } else {
-      deviceErr << "does not answer\n";
-    }
-    if (status != kExitOk && !prefixer.Wrote()) deviceErr << "failed\n";
-    PrintResult(context, out, id, status, result.str());
-    allSucceeded = allSucceeded && status == kExitOk;
-  }
+  for (int id : DevicesOf(context, err))
+    allSucceeded = RunOnDevice(command, context, id, out, err) == kExitOk && allSucceeded;
   return allSucceeded ? kExitOk : kExitFailure;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <optional>
 
 #include "config/config_files.h"
 #include "link/device_name.h"
@@ -188,6 +189,112 @@ DeviceBackup FromState(int deviceId, const params::ParamImage& image, const Devi
   return backup;
 }
 
+// The restore's steps in their order; each returns the outcome that ends the restore, or
+// nothing to go on.
+class Restorer {
+ public:
+  Restorer(link::Link& link, int deviceId, const DeviceBackup& backup,
+           const BackupProgress& progress)
+      : link_(link), deviceId_(deviceId), backup_(backup), progress_(progress) {}
+
+  RestoreOutcome Run() {
+    // The model first: a running preset that no sender takes never puts a frame on the line.
+    params::DeviceParams device = params::DeviceParams::FromImage(backup_.Record());
+    device.values.Switch() = backup_.outputLink;
+    PresetView view;
+    transfer_ = ApplyPreset(device, view, TransferFlags::PresetFileLoad());
+    memory_ = MemoryCommands(backup_);
+    std::optional<RestoreOutcome> end = CheckTarget();
+    if (!end) end = SendType();
+    if (!end) end = SendRunningPreset();
+    if (!end) end = SendName();
+    if (!end) end = SendMemory();
+    return end.value_or(RestoreOutcome{RestoreEnd::Completed, {}});
+  }
+
+ private:
+  static RestoreOutcome Skipped() { return {RestoreEnd::Skipped, {}}; }
+  static RestoreOutcome Failed(std::string step) { return {RestoreEnd::Failed, std::move(step)}; }
+
+  void Report(int done) {
+    done_ = done;
+    if (progress_) progress_(done_, total_);
+  }
+
+  // The target's state: a locked device takes nothing, and its type says whether to change it.
+  std::optional<RestoreOutcome> CheckTarget() {
+    params::DeviceParams target = params::DeviceParams::FromDefault(0);
+    DeviceState state;
+    const StateRead read = ReadDeviceState(link_, deviceId_, target, state);
+    if (read == StateRead::Skipped) return Skipped();
+    if (read == StateRead::Failed) return Failed("the state read");
+    if (state.Locked()) return RestoreOutcome{RestoreEnd::Locked, {}};
+    typeChange_ = state.systemType != backup_.systemType;
+    total_ = (typeChange_ ? 1 : 0) + static_cast<int>(transfer_.steps.size()) + kDeviceNameWrites +
+             static_cast<int>(memory_.size());
+    return std::nullopt;
+  }
+
+  std::optional<RestoreOutcome> SendType() {
+    if (!typeChange_) return std::nullopt;
+    switch (SendSystemType(link_, deviceId_, SystemTypeCommand(backup_.systemType))) {
+      case TypeSend::Switched:
+        Report(done_ + 1);
+        return std::nullopt;
+      case TypeSend::Skipped:
+        return Skipped();
+      case TypeSend::Failed:
+        break;
+    }
+    return Failed("the system type");
+  }
+
+  std::optional<RestoreOutcome> SendRunningPreset() {
+    const int before = done_;
+    const int steps = static_cast<int>(transfer_.steps.size());
+    const TransferOutcome sent = SendPresetTransfer(link_, deviceId_, transfer_, [&](int point) {
+      Report(before + point * steps / kProgressPoints);
+    });
+    if (sent.end == TransferEnd::Suspended) return Skipped();
+    if (sent.end == TransferEnd::Stopped)
+      return Failed("the running preset (" + std::string(StageName(sent.stoppedAt)) + ")");
+    done_ = before + steps;
+    return std::nullopt;
+  }
+
+  std::optional<RestoreOutcome> SendName() {
+    switch (link::WriteDeviceName(link_, deviceId_, backup_.deviceName)) {
+      case link::NameWrite::Written:
+        Report(done_ + kDeviceNameWrites);
+        return std::nullopt;
+      case link::NameWrite::Skipped:
+        return Skipped();
+      case link::NameWrite::Stopped:
+        break;
+    }
+    return Failed("the device name");
+  }
+
+  std::optional<RestoreOutcome> SendMemory() {
+    const int before = done_;
+    const ListOutcome written =
+        SendCommandList(link_, deviceId_, memory_, [&](int through) { Report(before + through); });
+    if (written.end == ListEnd::Skipped) return Skipped();
+    if (written.end == ListEnd::Stopped) return Failed("the preset slots");
+    return std::nullopt;
+  }
+
+  link::Link& link_;
+  int deviceId_;
+  const DeviceBackup& backup_;
+  const BackupProgress& progress_;
+  PresetTransfer transfer_;
+  std::vector<protocol::Command> memory_;
+  bool typeChange_ = false;
+  int total_ = 0;
+  int done_ = 0;
+};
+
 }  // namespace
 
 bool DeviceBackup::SlotUsed(int slot) const {
@@ -337,64 +444,8 @@ BackupEnd ReadDeviceBackup(link::Link& link, int deviceId, DeviceBackup& backup,
 
 RestoreOutcome RestoreDeviceBackup(link::Link& link, int deviceId, const DeviceBackup& backup,
                                    const BackupProgress& progress) {
-  // The model first: a running preset that no sender takes never puts a frame on the line.
-  params::DeviceParams device = params::DeviceParams::FromImage(backup.Record());
-  device.values.Switch() = backup.outputLink;
-  PresetView view;
-  const PresetTransfer transfer = ApplyPreset(device, view, TransferFlags::PresetFileLoad());
-  const std::vector<protocol::Command> memory = MemoryCommands(backup);
-
-  params::DeviceParams target = params::DeviceParams::FromDefault(0);
-  DeviceState state;
-  if (const StateRead read = ReadDeviceState(link, deviceId, target, state);
-      read != StateRead::Received)
-    return {read == StateRead::Skipped ? RestoreEnd::Skipped : RestoreEnd::Failed,
-            "the state read"};
-  if (state.Locked()) return {RestoreEnd::Locked, {}};
-
-  const bool typeChange = state.systemType != backup.systemType;
-  const int steps = static_cast<int>(transfer.steps.size());
-  const int total =
-      (typeChange ? 1 : 0) + steps + kDeviceNameWrites + static_cast<int>(memory.size());
-  int done = 0;
-  const auto report = [&](int at) {
-    if (progress) progress(at, total);
-  };
-  if (typeChange) {
-    switch (SendSystemType(link, deviceId, SystemTypeCommand(backup.systemType))) {
-      case TypeSend::Switched:
-        break;
-      case TypeSend::Skipped:
-        return {RestoreEnd::Skipped, {}};
-      case TypeSend::Failed:
-        return {RestoreEnd::Failed, "the system type"};
-    }
-    report(++done);
-  }
-  const int before = done;
-  const TransferOutcome sent = SendPresetTransfer(link, deviceId, transfer, [&](int point) {
-    report(before + point * steps / kProgressPoints);
-  });
-  if (sent.end == TransferEnd::Suspended) return {RestoreEnd::Skipped, {}};
-  if (sent.end == TransferEnd::Stopped)
-    return {RestoreEnd::Failed,
-            "the running preset (" + std::string(StageName(sent.stoppedAt)) + ")"};
-  done = before + steps;
-  switch (link::WriteDeviceName(link, deviceId, backup.deviceName)) {
-    case link::NameWrite::Written:
-      break;
-    case link::NameWrite::Skipped:
-      return {RestoreEnd::Skipped, {}};
-    case link::NameWrite::Stopped:
-      return {RestoreEnd::Failed, "the device name"};
-  }
-  done += kDeviceNameWrites;
-  report(done);
-  const ListOutcome written =
-      SendCommandList(link, deviceId, memory, [&](int through) { report(done + through); });
-  if (written.end == ListEnd::Skipped) return {RestoreEnd::Skipped, {}};
-  if (written.end == ListEnd::Stopped) return {RestoreEnd::Failed, "the preset slots"};
-  return {RestoreEnd::Completed, {}};
+  Restorer restorer(link, deviceId, backup, progress);
+  return restorer.Run();
 }
 
 }  // namespace talvex::presets
