@@ -20,7 +20,8 @@ namespace {
 
 using namespace talvex;
 
-// Commands whose arguments are words; pull, push and new take paths and stay out.
+// Commands whose arguments are words; pull, push, new, eq, diff, backup and restore take paths
+// and stay out.
 constexpr const char* kCommands[] = {"get",  "set",      "send",   "names",  "copy",
                                      "type", "store",    "recall", "unlock", "password",
                                      "name", "response", "ping",   "lock",   "slots"};

@@ -17,6 +17,9 @@ const std::vector<CommandSpec>& AllCommands() {
     AddResponseCommands(table);
     AddUtilityCommands(table);
     AddWordsCommands(table);
+    AddEqCommands(table);
+    AddDiffCommands(table);
+    AddBackupCommands(table);
     return table;
   }();
   return commands;
@@ -25,12 +28,15 @@ const std::vector<CommandSpec>& AllCommands() {
 namespace {
 
 void PrintUsage(std::ostream& err) {
-  err << "usage: talvexctl [--port PORT] [--id N] [--trace] [--json] [--file PRESET.tvx] COMMAND "
-         "...\n"
+  err << "usage: talvexctl [--port PORT] [--id N|N,N,...|all] [--trace] [--json] "
+         "[--file PRESET.tvx] COMMAND ...\n"
          "       talvexctl --help | --version\n"
          "  PORT: sim (default), sim:ID,ID,... (add @9600 to pace at the line speed),\n"
          "        tcp:HOST:PORT, or a serial port such as /dev/ttyUSB0 or COM3\n"
-         "  --file: get, set and new work on that preset file and send nothing\n"
+         "  --id: the device, 0 by default. A list (0,3,7) or all (a search of 0..32 first) runs\n"
+         "        get, set, push, store, type, lock or backup on each device in turn: one line\n"
+         "        \"ID n: ...\" per device, exit 0 only when every device succeeded\n"
+         "  --file: get, set, new and eq work on that preset file and send nothing\n"
          "commands:\n";
   for (const CommandSpec& command : AllCommands()) {
     std::string head =
@@ -54,6 +60,24 @@ const std::string& OptionValue(const std::vector<std::string>& args, std::size_t
   return args[++i];
 }
 
+// --id N, --id 0,3,7 (each ID once) or --id all.
+void ParseIds(const std::string& value, GlobalOptions& options) {
+  options.ids.clear();
+  options.allIds = value == "all";
+  if (options.allIds) return;
+  for (std::size_t start = 0; start <= value.size();) {
+    const std::size_t comma = std::min(value.find(',', start), value.size());
+    const auto id = ParseInt(value.substr(start, comma - start), 0, kMaxDeviceId);
+    if (!id || std::find(options.ids.begin(), options.ids.end(), *id) != options.ids.end())
+      throw UsageError("--id \"" + value +
+                       "\" is not a device ID from 0 to 32, a list of different ones (0,3,7) "
+                       "or all");
+    options.ids.push_back(*id);
+    start = comma + 1;
+  }
+  options.id = options.ids.front();
+}
+
 // Global options may stand anywhere; everything else is the command and its arguments.
 // Only words beginning with "--" are options, so "-3.5" is a value.
 ParsedLine ParseCommandLine(const std::vector<std::string>& args) {
@@ -67,10 +91,7 @@ ParsedLine ParseCommandLine(const std::vector<std::string>& args) {
       line.options.port = OptionValue(args, i);
       link::ParsePortSpec(line.options.port);
     } else if (!optionsEnded && arg == "--id") {
-      const std::string& value = OptionValue(args, i);
-      const auto id = ParseInt(value, 0, kMaxDeviceId);
-      if (!id) throw UsageError("--id \"" + value + "\" is not a device ID from 0 to 32");
-      line.options.id = *id;
+      ParseIds(OptionValue(args, i), line.options);
     } else if (!optionsEnded && arg == "--file") {
       line.options.file = OptionValue(args, i);
     } else if (!optionsEnded && arg == "--trace") {
@@ -110,6 +131,7 @@ int Run(const std::vector<std::string>& args, std::ostream& out, std::ostream& e
                                     [&](const CommandSpec& c) { return c.name == line.command; });
   if (command == commands.end()) throw UsageError("unknown command \"" + line.command + "\"");
   CliContext context(line.options, line.args, out, err, hooks);
+  if (line.options.ManyDevices()) return RunOnManyDevices(*command, context);
   return command->run(context);
 }
 

@@ -1,5 +1,6 @@
 #include "cli/cli_context.h"
 
+#include <algorithm>
 #include <charconv>
 #include <ostream>
 
@@ -15,6 +16,14 @@ std::optional<int> ParseInt(const std::string& text, int min, int max) {
   const auto [end, error] = std::from_chars(first, last, value);
   if (error != std::errc() || end != last || value < min || value > max) return std::nullopt;
   return value;
+}
+
+void ProgressLines::operator()(int done, int total) {
+  if (total <= 0) return;
+  const int percent = static_cast<int>(100LL * std::clamp(done, 0, total) / total);
+  if (percent <= shown_) return;
+  shown_ = percent;
+  err_ << what_ << ' ' << percent << " %\n";
 }
 
 void RequireArgCount(const CliContext& context, std::size_t min, std::size_t max) {
@@ -50,11 +59,19 @@ std::string JsonString(const std::string& text) {
 
 CliContext::CliContext(GlobalOptions options, std::vector<std::string> args, std::ostream& out,
                        std::ostream& err, const CliHooks& hooks)
-    : options_(std::move(options)), args_(std::move(args)), out_(out), err_(err), hooks_(hooks) {}
+    : options_(std::move(options)), args_(std::move(args)), out_(&out), err_(&err), hooks_(hooks) {}
 
 CliContext::~CliContext() = default;
 
+void CliContext::TurnTo(int deviceId, std::ostream& out, std::ostream& err) {
+  options_.id = deviceId;
+  out_ = &out;
+  err_ = &err;
+  failures_ = 0;
+}
+
 link::Link& CliContext::Link() {
+  if (wordsOnly_) throw WordsChecked{};
   if (link_) return *link_;
   const link::PortSpec spec = link::ParsePortSpec(options_.port);  // checked before any command
   line_ = hooks_.makeLine(spec);
@@ -82,16 +99,16 @@ int CliContext::IntArg(std::size_t index, int min, int max, const char* what) co
 
 void CliContext::LinkFailed(const link::LinkFailure& failure) {
   ++failures_;
-  if (!failure.title.empty()) err_ << failure.title << ": ";
-  err_ << failure.text << '\n';
+  if (!failure.title.empty()) Err() << failure.title << ": ";
+  Err() << failure.text << '\n';
 }
 
 void CliContext::FrameSent(std::span<const std::uint8_t> frame) {
-  if (options_.trace) err_ << "> " << protocol::FormatHex(frame) << '\n';
+  if (options_.trace) Err() << "> " << protocol::FormatHex(frame) << '\n';
 }
 
 void CliContext::ReplyTaken(std::span<const std::uint8_t> reply) {
-  if (options_.trace) err_ << "< " << protocol::FormatHex(reply) << '\n';
+  if (options_.trace) Err() << "< " << protocol::FormatHex(reply) << '\n';
 }
 
 }  // namespace talvex::cli

@@ -32,12 +32,21 @@ class CommandFailed : public std::runtime_error {
   bool printed_;
 };
 
+// Thrown by CliContext::Link() while only the words are checked: the command got as far as
+// the line, so its words are good. Not an error; derives from nothing a command catches.
+struct WordsChecked {};
+
 struct GlobalOptions {
   std::string port = "sim";
-  int id = 0;
+  int id = 0;  // the device a command works on (in a run on several devices, the one now)
+  // --id 0,3,7 or --id all: the command runs on each device in turn.
+  std::vector<int> ids;
+  bool allIds = false;
   bool trace = false;
   bool json = false;
   std::optional<std::string> file;
+
+  bool ManyDevices() const { return allIds || ids.size() > 1; }
 };
 
 class CliContext : private link::LinkObserver {
@@ -48,8 +57,15 @@ class CliContext : private link::LinkObserver {
 
   const GlobalOptions& Options() const { return options_; }
   const std::vector<std::string>& Args() const { return args_; }
-  std::ostream& Out() { return out_; }
-  std::ostream& Err() { return err_; }
+  std::ostream& Out() { return *out_; }
+  std::ostream& Err() { return *err_; }
+
+  // A run on several devices turns to the next one on the same line: its ID, where its result
+  // and its messages go, and a fresh count of link failures.
+  void TurnTo(int deviceId, std::ostream& out, std::ostream& err);
+  // While set, Link() throws WordsChecked instead of opening the line: a command run so checks
+  // its words (every command checks them before it reads or sends anything) and stops there.
+  void CheckWordsOnly(bool only) { wordsOnly_ = only; }
 
   // The link to the line of --port, opened on first use with failures reported (a failure
   // prints the system's message and is remembered). Throws CommandFailed if the port won't open.
@@ -70,12 +86,26 @@ class CliContext : private link::LinkObserver {
 
   GlobalOptions options_;
   std::vector<std::string> args_;
-  std::ostream& out_;
-  std::ostream& err_;
+  std::ostream* out_;
+  std::ostream* err_;
   const CliHooks& hooks_;
   std::optional<link::Line> line_;
   std::unique_ptr<link::Link> link_;
   int failures_ = 0;
+  bool wordsOnly_ = false;
+};
+
+// The progress of a long job on stderr, "push 45 %", a line each time the whole percent grows
+// (at most 101 lines, whatever the job's steps).
+class ProgressLines {
+ public:
+  ProgressLines(std::ostream& err, std::string what) : err_(err), what_(std::move(what)) {}
+  void operator()(int done, int total);
+
+ private:
+  std::ostream& err_;
+  std::string what_;
+  int shown_ = -1;
 };
 
 // UsageError unless the command has between `min` and `max` arguments.

@@ -94,7 +94,7 @@ int Set(CliContext& context) {
   // a factory record first, so that a bad value reads nothing from the device or the file.
   params::DeviceParams trial = params::DeviceParams::FromDefault(0);
   if (RefusesValue(context, SetParam(trial, ref, context.Args()[1]))) return kExitUsage;
-  params::DeviceParams device = params::DeviceParams::FromImage(LoadRecord(context));
+  params::DeviceParams device = LoadParams(context);
   const SetOutcome outcome = SetParam(device, ref, context.Args()[1]);
   if (RefusesValue(context, outcome)) return kExitUsage;
   if (Offline(context)) {
@@ -142,6 +142,17 @@ params::ParamImage LoadRecord(CliContext& context) {
   return ReadLiveRecord(context);
 }
 
+params::DeviceParams LoadParams(CliContext& context) {
+  if (Offline(context)) {
+    params::DeviceParams device = params::DeviceParams::FromImage(LoadRecord(context));
+    device.values.Switch() = device.image[params::kOutputLinkByte] != 0 ? 1 : 0;
+    return device;
+  }
+  params::DeviceParams device = ReadLive(context);
+  ReadState(context, device);
+  return device;
+}
+
 void AddParamCommands(std::vector<CommandSpec>& commands) {
   commands.push_back({"get", "[PARAM]", "print PARAM, or every parameter the image holds", Get});
   commands.push_back({"set", "PARAM VALUE", "set PARAM and print its value as snapped", Set});
@@ -152,9 +163,10 @@ void AddParamCommands(std::vector<CommandSpec>& commands) {
 std::string ParamUsage() {
   return "get and set work on the device of --port and --id, or offline on --file:\n"
          "  set clamps VALUE to the parameter's range and snaps it to the device's grid (a value\n"
-         "  exactly halfway goes down). On a device it first reads the live image, so that the\n"
-         "  bytes a command carries beside the value (the polarity beside a level, the other\n"
-         "  bytes of a band) are the device's own, then sends the parameter's one command.\n"
+         "  exactly halfway goes down). On a device it first reads the live image and the state,\n"
+         "  so that the bytes a command carries beside the value (the polarity beside a level,\n"
+         "  the other bytes of a band) are the device's own, then sends the parameter's one\n"
+         "  command, and one more for the linked output while output.link is on.\n"
          "  With --file it rewrites the file and sends nothing.\n"
          "  Mutes and input polarities are kept in no image: set sends them, get leaves them\n"
          "  out. input.source is not in a device's image and is read from a --file only.\n"

@@ -131,8 +131,10 @@ int Push(CliContext& context) {
     case presets::PresetLoad::Refused:
       throw CommandFailed(loaded.error + "; nothing sent");
   }
+  ProgressLines progress(context.Err(), "push");
   const presets::TransferOutcome sent =
-      presets::SendPresetTransfer(context.Link(), id, loaded.transfer);
+      presets::SendPresetTransfer(context.Link(), id, loaded.transfer,
+                                  [&](int point) { progress(point, presets::kProgressPoints); });
   if (sent.end == presets::TransferEnd::Suspended) throw CommandFailed("nothing was sent");
   if (sent.end == presets::TransferEnd::Stopped) {
     throw CommandFailed("the transfer stopped at the " +
@@ -159,7 +161,7 @@ void AddSessionCommands(std::vector<CommandSpec>& commands) {
   commands.push_back({"pull", "FILE.tvx", "save the device's live preset as a preset file", Pull});
   commands.push_back({"push", "FILE.tvx",
                       "load a preset file onto the device as the editor's load does: same "
-                      "checks, same messages, every parameter sent",
+                      "checks, same messages, every parameter sent (progress on stderr)",
                       Push});
 }
 

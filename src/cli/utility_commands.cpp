@@ -55,11 +55,6 @@ void RequireSent(ListEnd end, int written, std::size_t total, std::string_view w
                         std::to_string(total) + " commands: the device stopped answering");
 }
 
-int ChannelArg(const std::string& text) {
-  if (const auto channel = ParseChannelWord(text)) return *channel;
-  throw UsageError("\"" + text + "\" is not a channel (inA, inB, out1 .. out6)");
-}
-
 std::string SlotLine(const presets::DeviceState& state, int slot) {
   const bool used = state.SlotUsed(slot);
   return std::to_string(slot) + "  " + (used ? "used" : "empty") +
@@ -266,6 +261,11 @@ int Password(CliContext& context) {
 }
 
 }  // namespace
+
+int ChannelArg(const std::string& text) {
+  if (const auto channel = ParseChannelWord(text)) return *channel;
+  throw UsageError("\"" + text + "\" is not a channel (inA, inB, out1 .. out6)");
+}
 
 void AddUtilityCommands(std::vector<CommandSpec>& commands) {
   commands.push_back(

@@ -340,6 +340,26 @@ EditResult FlattenEq(DeviceParams& device, int channel, const EditOptions& optio
   return result;
 }
 
+EditResult EditBand(DeviceParams& device, int band, const EqBandSetting& setting,
+                    const EditOptions& options) {
+  const ParamRef ref{ParamKind::EqType, ChannelOfBand(band), band};
+  std::vector<ParamRef> members = {ref};
+  if (options.followLinks)
+    for (int twin : LinkedOutputs(device, ref.channel))
+      members.push_back(TwinOf(ref, twin));
+  Senders senders(device, options.mark);  // checks the whole setting before it writes a byte
+  EditResult result;
+  for (const ParamRef& member : members) {
+    result.changed.push_back(member);
+    result.edits.push_back(senders.EqBand(member.band, setting));
+  }
+  result.value = setting.gainDb;
+  result.position = setting.width;
+  result.choice = std::min(setting.width, kBellChoice);
+  result.shown = std::string(QTextTable(options.mark)[Index(setting.width)]);
+  return result;
+}
+
 ShownParam ShowParam(const DeviceParams& device, const ParamRef& ref, const EditOptions& options) {
   const ParamImage& image = device.image;
   const int ch = ref.channel;

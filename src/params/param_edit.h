@@ -64,6 +64,14 @@ EditResult EditChoice(DeviceParams& device, const ParamRef& ref, int choice,
 // "Flat Eq": every band of the channel to 0 dB, frequency and width kept; then the linked
 // output's bands.
 EditResult FlattenEq(DeviceParams& device, int channel, const EditOptions& options = {});
+// A whole band at once (frequency, width or shelf, gain), as an imported filter sets it: one
+// command for the band, then one for the same band of each linked output. The setting is meant
+// to lie on the device's grid already (the rules rule::kBandFrequency and kBandGain, a
+// QTextTable index); a value outside the device's range is an IndexError, with nothing changed
+// on any member. `changed` holds one ref per command, of kind EqType, standing for the whole
+// band; `shown` is the band's width label.
+EditResult EditBand(DeviceParams& device, int band, const EqBandSetting& setting,
+                    const EditOptions& options = {});
 
 // The value rule of a typed kind (nullptr for delays, names and choices).
 const ValueRule* RuleOf(const ParamRef& ref);

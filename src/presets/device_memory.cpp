@@ -26,13 +26,17 @@ std::size_t Index(int value) {
 
 }  // namespace
 
-protocol::Command MarkSlotUsedCommand(int slot) {
+protocol::Command SlotMarkCommand(int slot, std::uint8_t mark) {
   CheckIndex(slot, params::kSlotCount - 1, "preset slot");
   protocol::Command command;
   command.code = protocol::code::kMemoryWrite;
   PutAddress(command, mem::kUsedMarks + Index(slot), 1);
-  command.p(5) = mem::kUsedMark;
+  command.p(5) = mark;
   return command;
+}
+
+protocol::Command MarkSlotUsedCommand(int slot) {
+  return SlotMarkCommand(slot, mem::kUsedMark);
 }
 
 protocol::Command StoreDataCommand(std::size_t address, std::span<const std::uint8_t, 4> bytes) {

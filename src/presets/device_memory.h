@@ -35,7 +35,10 @@ inline constexpr std::size_t kSlotNameLength = 16;
 inline constexpr int kStoreProgressMaximum = 84;
 inline constexpr int kStoreCommandCount = 1 + 4 + 76;
 
-// Command 17 that marks slot `slot` used: p1, p2 = address 32 + slot (high, low), p5 = 85.
+// Command 17 that writes `mark` as slot `slot`'s used mark: p1, p2 = address 32 + slot (high,
+// low), p5 = the mark (85: the slot holds a preset; anything else: it is empty).
+protocol::Command SlotMarkCommand(int slot, std::uint8_t mark);
+// The same with 85: marks the slot used.
 protocol::Command MarkSlotUsedCommand(int slot);
 
 // Command 24, four bytes of device memory from `address` on. p1, p2 = the address, high byte

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <vector>
 
 #include "protocol/memory_map.h"
 
@@ -20,6 +21,16 @@ constexpr std::size_t kAddressedByte = 8;
 
 using Reply = std::array<std::uint8_t, protocol::kFrameSize>;
 
+// The address in p1 (high byte) and p2 (low byte), as SplitToBytes splits it.
+protocol::Command AddressedCommand(std::uint8_t commandCode, std::size_t address) {
+  protocol::Command command;
+  command.code = commandCode;
+  const std::array<std::uint8_t, 4> bytes = protocol::SplitToBytes(static_cast<double>(address));
+  command.p(1) = bytes[2];
+  command.p(2) = bytes[3];
+  return command;
+}
+
 class StateReader {
  public:
   StateReader(link::Link& link, int deviceId) : link_(link), deviceId_(deviceId) {}
@@ -35,24 +46,16 @@ class StateReader {
   }
 
   std::optional<Reply> ReadAt(std::uint8_t commandCode, std::size_t address) {
-    protocol::Command command;
-    command.code = commandCode;
-    const std::array<std::uint8_t, 4> bytes = protocol::SplitToBytes(static_cast<double>(address));
-    command.p(1) = bytes[2];
-    command.p(2) = bytes[3];
-    return Exchange(command);
+    return Exchange(AddressedCommand(commandCode, address));
   }
 
   // `count` bytes of device memory from `address` on, four per exchange.
   std::optional<std::string> ReadBytes(std::size_t address, std::size_t count) {
-    std::string bytes;
-    for (std::size_t at = address; at < address + count; at += 4) {
-      const std::optional<Reply> reply = ReadAt(code::kMemoryRead, at + kFourBytesAhead);
-      if (!reply) return std::nullopt;
-      for (std::size_t i = 0; i < 4 && bytes.size() < count; ++i)
-        bytes += static_cast<char>((*reply)[kFirstDataByte + i]);
-    }
-    return bytes;
+    std::vector<std::uint8_t> bytes(count);
+    const StateRead read = ReadDeviceMemory(link_, deviceId_, address, bytes);
+    if (read == StateRead::Skipped) skipped_ = true;
+    if (read != StateRead::Received) return std::nullopt;
+    return std::string(bytes.begin(), bytes.end());
   }
 
   bool Skipped() const { return skipped_; }
@@ -106,6 +109,26 @@ std::optional<ReadState> ReadAll(StateReader& reader) {
 }
 
 }  // namespace
+
+StateRead ReadDeviceMemory(link::Link& link, int deviceId, std::size_t address,
+                           std::span<std::uint8_t> into, const ExchangeDone& exchanged) {
+  int done = 0;
+  for (std::size_t at = 0; at < into.size(); at += 4) {
+    const auto command = AddressedCommand(code::kMemoryRead, address + at + kFourBytesAhead);
+    switch (link.SendCommand(deviceId, command)) {
+      case link::SendResult::Replied:
+        break;
+      case link::SendResult::Skipped:
+        return StateRead::Skipped;
+      default:
+        return StateRead::Failed;
+    }
+    for (std::size_t i = 0; i < 4 && at + i < into.size(); ++i)
+      into[at + i] = link.RxBuffer()[kFirstDataByte + i];
+    if (exchanged) exchanged(++done);
+  }
+  return StateRead::Received;
+}
 
 bool DeviceState::SlotUsed(int slot) const {
   CheckIndex(slot, params::kSlotCount - 1, "preset slot");

@@ -5,7 +5,9 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "link/link.h"
@@ -37,6 +39,17 @@ enum class StateRead {
   Skipped,   // the link sends nothing (demo mode, not open, suspended): nothing changed
   Failed,    // an exchange went unanswered (the link has reported it); the read ended there
 };
+
+// Called after each exchange of a longer read, with the number of exchanges done so far.
+using ExchangeDone = std::function<void(int done)>;
+
+// `into.size()` bytes of device memory from `address` on, with command 16, four bytes per
+// exchange: a memory read answers with the addressed byte's two predecessors, the byte and its
+// successor in reply bytes 6..9, so four bytes from B on are asked for at B + 2. Received;
+// Skipped when the link sends nothing; Failed when an exchange went unanswered (the link has
+// reported it), with `into` holding only the bytes read before it.
+StateRead ReadDeviceMemory(link::Link& link, int deviceId, std::size_t address,
+                           std::span<std::uint8_t> into, const ExchangeDone& exchanged = {});
 
 // The device's state read, exchange by exchange:
 //   1. command 23 twice with all parameters 0: the device's settings (the second answer is

@@ -111,6 +111,26 @@ TEST_F(BadInputTest, shouldRefuseMalformedArgumentsOfEveryCommandWithoutSendingO
       {{"lock", "x"}, "unexpected argument \"x\""},
       {{"unlock"}, "missing arguments"},
       {{"password", "a", "b", "c"}, "unexpected argument \"c\""},
+      {{"--id", "0,0", "get"}, "--id \"0,0\" is not a device ID from 0 to 32, a list of different"},
+      {{"--id", "1,", "get"}, "--id \"1,\" is not a device ID"},
+      {{"--id", "0,3", "scan"}, "scan works on one device at a time; --id takes a list for get"},
+      {{"--id", "all", "restore", kept}, "restore works on one device at a time"},
+      {{"--id", "0,3", "--file", kept, "get"}, "--file works on one preset file"},
+      {{"--id", "0,3", "set", "out9.level", "1"}, "unknown parameter \"out9.level\""},
+      {{"--id", "all", "set", "out1.level", "abc"}, "  Incorrect value\n", false},
+      {{"--id", "all", "store", "30", "x"}, "slot \"30\" is not a number from 0 to 23"},
+      {{"eq"}, "missing arguments"},
+      {{"eq", "flip"}, "eq takes import or export, not \"flip\""},
+      {{"eq", "import", "out1"}, "eq import takes CH FILE [--dry-run]"},
+      {{"eq", "import", "out9", kept}, "\"out9\" is not a channel"},
+      {{"eq", "export"}, "eq export takes CH"},
+      {{"eq", "export", "out1", "out2"}, "eq export takes CH"},
+      {{"--json", "eq", "export", "out1"}, "eq export writes filter text; --json is not for it"},
+      {{"diff"}, "missing arguments"},
+      {{"diff", kept, kept, kept}, "unexpected argument"},
+      {{"--file", kept, "diff", kept}, "diff names its files itself"},
+      {{"backup"}, "missing arguments"},
+      {{"restore", kept, "x"}, "unexpected argument \"x\""},
   };
   const std::vector<std::string> before = Listing();
   const std::string keptBefore = Kept();
@@ -147,6 +167,15 @@ TEST_F(BadInputTest, shouldSayWhichPathCannotBeUsedAndChangeNothing) {
       {{"push", Path("pipe.tvx")}, "pipe.tvx: cannot be read; nothing sent"},
       {{"pull", Path("folder.tvx")}, "cannot replace " + Path("folder.tvx")},
       {{"pull", Path("no-such-folder/p.tvx")}, "cannot write " + Path("no-such-folder/p.tvx")},
+      {{"eq", "import", "out1", Path("folder.tvx")},
+       Path("folder.tvx") + " is not a file that can be read"},
+      {{"eq", "import", "out1", Path("pipe.tvx")}, "pipe.tvx is not a file that can be read"},
+      {{"eq", "import", "out1", Path("kept.tvx")}, "kept.tvx holds no filter line"},
+      {{"diff", Path("folder.tvx"), Path("kept.tvx")}, "folder.tvx: cannot be read"},
+      {{"restore", Path("pipe.tvx")}, "pipe.tvx is not a file that can be read; nothing sent"},
+      {{"restore", Path("dangling.tvx")}, "dangling.tvx is not a file that can be read"},
+      {{"restore", Path("kept.tvx")}, "kept.tvx is not a TALVEX backup"},
+      {{"backup", Path("folder.tvx")}, "cannot replace " + Path("folder.tvx")},
   };
   const std::vector<std::string> before = Listing();
   for (const Case& c : cases) {

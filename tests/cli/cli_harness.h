@@ -2,6 +2,10 @@
 // runs.
 #pragma once
 
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <memory>
 #include <sstream>
@@ -51,5 +55,64 @@ inline link::Line LineOn(const std::shared_ptr<sim::SimLine>& simulator) {
   line.transport = std::make_unique<link::SimTransport>(simulator, *line.clock, "sim");
   return line;
 }
+
+// One simulated line that outlives the talvexctl runs made on it.
+class Bench {
+ public:
+  explicit Bench(const std::vector<int>& ids) : simulator(std::make_shared<sim::SimLine>(ids)) {
+    hooks_.makeLine = [this](const link::PortSpec&) { return LineOn(simulator); };
+    std::filesystem::create_directories(dir_);
+  }
+  ~Bench() { std::filesystem::remove_all(dir_); }
+
+  int Run(std::vector<std::string> args) {
+    out.str("");
+    err.str("");
+    const int before = Frames();
+    args.insert(args.begin(), {"--port", "sim"});
+    const int status = RunCli(args, out, err, hooks_);
+    framesOfLastRun = Frames() - before;
+    return status;
+  }
+
+  int Frames() const {
+    int frames = 0;
+    for (int id : simulator->DeviceIds())
+      frames += simulator->Device(id).FramesHandled();
+    return frames;
+  }
+
+  void PutMemory(int id, std::size_t address, std::string_view bytes) {
+    std::copy(bytes.begin(), bytes.end(), simulator->Device(id).DeviceMemory().begin() + address);
+  }
+
+  std::string Path(const char* name) const { return (dir_ / name).string(); }
+
+  std::vector<std::uint8_t> FileBytes(const std::string& path) const {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+
+  void WriteFile(const std::string& path, const std::vector<std::uint8_t>& bytes) const {
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<long>(bytes.size()));
+  }
+
+  std::shared_ptr<sim::SimLine> simulator;
+  std::ostringstream out;
+  std::ostringstream err;
+  int framesOfLastRun = 0;
+
+ private:
+  CliHooks hooks_;
+  // A folder of its own, even beside another bench of the same test.
+  static int NextNumber() {
+    static int number = 0;
+    return ++number;
+  }
+  std::filesystem::path dir_ =
+      std::filesystem::temp_directory_path() /
+      ("talvex_cli_" + std::to_string(::getpid()) + "_" + std::to_string(NextNumber()));
+};
 
 }  // namespace talvex::cli

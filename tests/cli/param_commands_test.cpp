@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -57,6 +58,25 @@ TEST_F(ParamCommandsTest, shouldCarryTheDevicesOwnBytesBesideTheValue) {
   EXPECT_NE(err_.str().find("> F0 81 00 01 03 00 00 00 00 00 01 78 F7\n"), std::string::npos);
   ASSERT_EQ(Run({"--json", "get", "out2.polarity"}), kExitOk);
   EXPECT_EQ(out_.str(), "{\"out2.polarity\": 180}\n");
+}
+
+// While the output link is on, an edit of Out 3 goes to Out 4 as well, on a device (whose
+// switch the state read tells) and in a preset file (which keeps it in its record).
+TEST_F(ParamCommandsTest, shouldSetTheLinkedOutputTooWhileTheLinkIsOn) {
+  ASSERT_EQ(Run({"set", "output.link", "on"}), kExitOk);
+  ASSERT_EQ(Run({"set", "out3.eq1.gain", "-2"}), kExitOk);
+  EXPECT_EQ(Device().FramesHandled(protocol::code::kEqBand), 2);
+  ASSERT_EQ(Run({"get", "out4.eq1.gain"}), kExitOk);
+  EXPECT_EQ(out_.str(), "out4.eq1.gain = -2\n");
+
+  const std::string file =
+      (fs::temp_directory_path() / ("talvex_link_" + std::to_string(::getpid()) + ".tvx")).string();
+  ASSERT_EQ(Run({"--file", file, "new"}), kExitOk);
+  ASSERT_EQ(Run({"--file", file, "set", "output.link", "on"}), kExitOk);
+  ASSERT_EQ(Run({"--file", file, "set", "out4.level", "-1.5"}), kExitOk);
+  ASSERT_EQ(Run({"--file", file, "get", "out3.level"}), kExitOk);
+  EXPECT_EQ(out_.str(), "out3.level = -1.5\n");
+  fs::remove(file);
 }
 
 TEST_F(ParamCommandsTest, shouldRefuseTextThatIsNotANumberAndSendNothing) {

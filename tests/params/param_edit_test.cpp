@@ -150,5 +150,20 @@ TEST(ParamEditTest, shouldRefuseTextThatIsNoValueAndChangeNothing) {
   EXPECT_FALSE(EditText(device, {ParamKind::Name, 2, 0}, "Tweeter").refusal.empty());
 }
 
+TEST(ParamEditTest, shouldSetAWholeBandForEveryLinkMemberOrChangeNothing) {
+  DeviceParams device = Linked();
+  const EditResult result = EditBand(device, GlobalBand(4, 2), {250, 3, -6});
+  EXPECT_EQ(result.changed, (std::vector<ParamRef>{{ParamKind::EqType, 4, GlobalBand(4, 2)},
+                                                   {ParamKind::EqType, 5, GlobalBand(5, 2)}}));
+  ASSERT_EQ(result.edits.size(), 2u);
+  EXPECT_EQ(Frame(result.edits[1]), "F0 81 00 05 05 02 00 00 00 58 03 12 F7");
+  EXPECT_EQ(result.shown, "-6 Lo-Sh");
+
+  const ParamImage before = device.image;
+  EXPECT_THROW(EditBand(device, GlobalBand(4, 2), {250, 3, -16}), IndexError);
+  EXPECT_THROW(EditBand(device, GlobalBand(4, 2), {250, 64, 0}), IndexError);
+  EXPECT_EQ(device.image, before);
+}
+
 }  // namespace
 }  // namespace talvex::params
