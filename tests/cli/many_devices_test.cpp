@@ -76,7 +76,7 @@ TEST(ManyDevicesTest, shouldRunEachCommandOfTheListOnEveryDevice) {
       {{"store", "5", "Matinee"}, "5  used  Matinee"},
       {{"type", "2"}, "ID:# TALVEX - Preset loaded from device: Default - Type: 6 WAY XOVER"},
       {{"backup", bench.Path("rack.tvb")},
-       bench.Path("rack-ID#.tvb") + ": \"\", 6 WAY XOVER, 1 of 24 preset slots used"},
+       bench.Path("rack-ID#.tvb") + ": \"SIM 2x2 0#\", 6 WAY XOVER, 1 of 24 preset slots used"},
       {{"lock"}, "System Lock"},
   };
   for (const CommandCase& c : cases) {
