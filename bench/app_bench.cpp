@@ -9,41 +9,20 @@
 #include <QElapsedTimer>
 #include <QTimer>
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <vector>
 
 #include "app/main_window.h"
 #include "presets/preset_transfer.h"
+#include "whole_run.h"
 
 namespace {
 
 using namespace talvex;
-using Clock = std::chrono::steady_clock;
-
-class SilentDialogs final : public editor::UserDialogs {
- public:
-  editor::Answer AskYesNo(const std::string&, const std::string&, editor::DialogIcon,
-                          editor::Answer) override {
-    return editor::Answer::Yes;
-  }
-  void ShowMessage(const std::string&, const std::string&, editor::DialogIcon) override {}
-  std::optional<std::string> ChooseOpenFile(const std::string&, const std::string&) override {
-    return {};
-  }
-  std::optional<std::string> ChooseSaveFile(const std::string&, const std::string&) override {
-    return {};
-  }
-};
-
-double Median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  return values[values.size() / 2];
-}
-
-double Ms(Clock::duration d) {
-  return std::chrono::duration<double, std::milli>(d).count();
-}
+using bench::Clock;
+using bench::Median;
+using bench::Ms;
+using bench::SilentDialogs;
 
 void WaitFor(const std::function<bool()>& done) {
   while (!done())
