@@ -22,6 +22,22 @@
 
 namespace talvex::editor {
 
+namespace {
+
+// A caption on two lines under its icon, broken at the blank nearest its middle, so that the
+// twelve buttons fit an editor's width ("Store Preset" over "to device").
+QString TwoLines(const QString& caption) {
+  const int middle = static_cast<int>(caption.size() / 2);
+  const int before = static_cast<int>(caption.lastIndexOf(' ', middle));
+  const int after = static_cast<int>(caption.indexOf(' ', middle));
+  int at = before;
+  if (at < 0 || (after >= 0 && after - middle < middle - before)) at = after;
+  if (at < 0) return caption;
+  return caption.left(at) + '\n' + caption.mid(at + 1);
+}
+
+}  // namespace
+
 CtrlWindow::CtrlWindow(int deviceId, int slot, params::DeviceParams& device,
                        params::DecimalMark mark, std::unique_ptr<EditorLink> link,
                        UserDialogs& dialogs, std::function<bool()> mayClose, QWidget* parent)
@@ -93,6 +109,7 @@ void CtrlWindow::BuildToolbar() {
   for (const ToolbarCommand& entry : kToolbarCommands) {
     const QString caption = QString::fromUtf8(entry.caption.data(), entry.caption.size());
     QAction* action = toolbar_->addAction(style()->standardIcon(entry.icon), caption);
+    action->setIconText(TwoLines(caption));
     const QKeySequence shortcut(QString::fromUtf8(entry.shortcut.data(), entry.shortcut.size()));
     action->setShortcut(shortcut);
     action->setShortcutContext(Qt::WidgetWithChildrenShortcut);

@@ -25,15 +25,14 @@ class FrmRead final : public QDialog {
   Q_OBJECT
 
  public:
+  // Closes the dialog, unless its job is still running.
+  void reject() override;
   explicit FrmRead(CommandContext& context);
 
   QListWidget& List1() const { return *list_; }
   // Index 0 cancels, index 1 reads the selected slot.
   QPushButton& Command1(int index) const;
   QProgressBar& Progress() const { return *progress_; }
-
- protected:
-  void reject() override;
 
  private:
   struct SlotReadResult {

@@ -22,6 +22,8 @@ class FrmStore final : public QDialog {
   Q_OBJECT
 
  public:
+  // Closes the dialog, unless its job is still running.
+  void reject() override;
   explicit FrmStore(CommandContext& context);
 
   QListWidget& List1() const { return *list_; }
@@ -30,9 +32,6 @@ class FrmStore final : public QDialog {
   QPushButton& Command1(int index) const;
   QProgressBar& ProgressBar1() const { return *progress_; }
   bool Storing() const { return storing_; }
-
- protected:
-  void reject() override;
 
  private:
   void ShowSlotName(int slot);

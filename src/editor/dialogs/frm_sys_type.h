@@ -22,15 +22,14 @@ class FrmSysType final : public QDialog {
   Q_OBJECT
 
  public:
+  // Closes the dialog, unless its job is still running.
+  void reject() override;
   explicit FrmSysType(CommandContext& context);
 
   QRadioButton& Option1(int type) const;
   // Index 0 applies the selected type, index 1 closes.
   QPushButton& Command1(int index) const;
   QProgressBar& Wait() const { return *wait_; }
-
- protected:
-  void reject() override;
 
  private:
   void Apply();

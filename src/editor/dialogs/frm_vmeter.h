@@ -18,8 +18,6 @@ class FrmVMeter final : public QDialog {
 
   void SetValue(int value);
   QProgressBar& Bar() const { return *bar_; }
-
- protected:
   void reject() override {}  // the transfer cannot be cancelled half-way
 
  private:
