@@ -92,6 +92,7 @@ CtrlWindow::CtrlWindow(int deviceId, int slot, params::DeviceParams& device,
   SelectChannel(0);
   UpdateView();
   page_->Refresh();
+  UpdateActions();
 
   meterTimer_ = new QTimer(this);
   connect(meterTimer_, &QTimer::timeout, this, &CtrlWindow::PollMeters);

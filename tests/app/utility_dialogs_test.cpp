@@ -97,6 +97,14 @@ TEST_F(UtilityDialogsTest, shouldHoldOtherCommandsWhileBusyOrLocked) {
                                      false, false, false, true,  true,  false};
   for (int index = 0; index < 12; ++index)
     EXPECT_EQ(editor.Command2(index).isEnabled(), enabledWhileLocked[index]) << index;
+
+  AppHarness lockedBefore("sim:0", [](sim::SimLine& line) {
+    line.Device(0).DeviceMemory()[protocol::memory::kLock] = protocol::memory::kLocked;
+  });
+  lockedBefore.Start(Choice(SearchMode::AllIds));
+  editor::CtrlWindow& opened = OpenEditor(lockedBefore, 0);
+  for (int index = 0; index < 12; ++index)
+    EXPECT_EQ(opened.Command2(index).isEnabled(), enabledWhileLocked[index]) << index;
 }
 
 // Every dialog of the toolbar: a title, and an accessible name on every control the keyboard
