@@ -2,11 +2,16 @@
 // a user would drive them, grabbed from the screen.
 //   xvfb-run -s "-screen 0 1280x800x24" ./build/dev/tools/talvex-screenshots OUT_FOLDER [SUFFIX]
 #include <QApplication>
+#include <QDialog>
 #include <QDir>
+#include <QLineEdit>
+#include <QListWidget>
 #include <QMdiSubWindow>
+#include <QPushButton>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QThread>
 #include <QTimer>
 #include <iostream>
@@ -15,6 +20,9 @@
 #include "app/select_window.h"
 #include "app/splash_window.h"
 #include "app/theme.h"
+#include "editor/dialogs/frm_edit_label.h"
+#include "editor/dialogs/frm_store.h"
+#include "editor/dialogs/frm_vmeter.h"
 #include "editor/qt_user_dialogs.h"
 #include "editor/widgets/response_graph.h"
 #include "params/param_edit.h"
@@ -80,12 +88,117 @@ void ShowPreset(sim::SimLine& line, int id) {
   std::copy_n(device.image.begin(), live.size(), live.begin());
 }
 
+// The real boxes, except while the toolbar's dialogs are shot: then every question is answered
+// Yes (a box would wait for a click) and the file dialogs return the given file.
+class ShotDialogs final : public editor::UserDialogs {
+ public:
+  editor::Answer AskYesNo(const std::string& title, const std::string& text,
+                          editor::DialogIcon icon, editor::Answer defaultAnswer) override {
+    if (scripted) return editor::Answer::Yes;
+    return real.AskYesNo(title, text, icon, defaultAnswer);
+  }
+  void ShowMessage(const std::string& title, const std::string& text,
+                   editor::DialogIcon icon) override {
+    if (!scripted) real.ShowMessage(title, text, icon);
+  }
+  std::optional<std::string> ChooseOpenFile(const std::string& folder,
+                                            const std::string& filter) override {
+    return scripted ? std::optional(file) : real.ChooseOpenFile(folder, filter);
+  }
+  std::optional<std::string> ChooseSaveFile(const std::string& folder,
+                                            const std::string& filter) override {
+    return scripted ? std::optional(file) : real.ChooseSaveFile(folder, filter);
+  }
+
+  editor::QtUserDialogs real;
+  bool scripted = false;
+  std::string file;
+};
+
 bool Save(const QWidget& window, const QString& path) {
   const QRect frame = window.frameGeometry();
   const QPixmap shot = QApplication::primaryScreen()->grabWindow(0, frame.x(), frame.y(),
                                                                  frame.width(), frame.height());
   std::cout << path.toStdString() << '\n';
   return shot.save(path);
+}
+
+QDialog* OpenDialog(editor::CtrlWindow& editor, editor::WindowCommand command) {
+  editor.Command2(static_cast<int>(command)).trigger();
+  Pump(300);
+  for (QDialog* dialog : editor.findChildren<QDialog*>())
+    if (dialog->isVisible()) return dialog;
+  return nullptr;
+}
+
+bool ShootDialog(editor::CtrlWindow& editor, editor::WindowCommand command, const QString& path,
+                 const std::function<void(QDialog&)>& prepare = {}) {
+  QDialog* dialog = OpenDialog(editor, command);
+  if (!dialog) return false;
+  if (prepare) prepare(*dialog);
+  Pump(250);
+  const bool saved = Save(*dialog, path);
+  dialog->reject();
+  Pump(100);
+  return saved;
+}
+
+// Every dialog of the editor's toolbar over the editor that shows it, on the paced line, so that
+// the store's ProgressBar1 and the file transfer's window are shot half-way.
+bool ShootDialogs(app::MainWindow& window, editor::CtrlWindow& editor, ShotDialogs& dialogs,
+                  const QString& out, const QString& suffix, const QString& folder) {
+  using editor::WindowCommand;
+  auto* sub = qobject_cast<QMdiSubWindow*>(editor.parentWidget());
+  sub->showNormal();
+  sub->resize(window.Area()->size());
+  sub->move(0, 0);
+  editor.SelectChannel(2);
+  dialogs.scripted = true;
+  const auto shot = [&](const char* name) { return out + "/dialog-" + name + suffix + ".png"; };
+  bool ok = Save(window, out + "/editor-toolbar" + suffix + ".png");
+  ok = ShootDialog(editor, WindowCommand::ReadPreset, shot("read")) && ok;
+  ok = ShootDialog(editor, WindowCommand::SystemSetup, shot("system-setup")) && ok;
+  ok = ShootDialog(editor, WindowCommand::InputCopy, shot("input-copy")) && ok;
+  ok = ShootDialog(editor, WindowCommand::OutputCopy, shot("output-copy")) && ok;
+  ok = ShootDialog(editor, WindowCommand::LockUnit, shot("password")) && ok;
+  ok = ShootDialog(editor, WindowCommand::EditDeviceName, shot("name-device")) && ok;
+  ok = ShootDialog(editor, WindowCommand::EditNames, shot("edit-names"),
+                   [](QDialog& dialog) {
+                     auto& names = static_cast<editor::FrmEditLabel&>(dialog);
+                     QTest::keyClicks(&names.Text1(3), "#");  // the hint while typing
+                   }) &&
+       ok;
+  ok = ShootDialog(editor, WindowCommand::StorePreset, shot("store")) && ok;
+
+  // Half-way through a store: 81 exchanges take about 2.2 s on a 9600-baud line.
+  if (auto* store =
+          static_cast<editor::FrmStore*>(OpenDialog(editor, WindowCommand::StorePreset))) {
+    store->List1().setCurrentRow(3);
+    store->NameBox().setText("Chorus live");
+    store->Command1(1).click();
+    Pump(1000);
+    ok = Save(*store, shot("store-progress")) && ok;
+    Settle(window.CurrentSession());
+    store->reject();
+  } else {
+    ok = false;
+  }
+
+  // Half-way through a preset file's transfer (about 160 exchanges).
+  dialogs.file = (folder + "/show.tvx").toStdString();
+  editor.Command2(static_cast<int>(WindowCommand::SavePresetToPc)).trigger();
+  editor.Command2(static_cast<int>(WindowCommand::LoadPresetFromPc)).trigger();
+  Pump(1500);
+  if (auto* meter = editor.findChild<editor::FrmVMeter*>()) {
+    meter->move(editor.mapToGlobal(QPoint(200, 200)));
+    Pump(200);
+    ok = Save(*meter, shot("load-progress")) && ok;
+  } else {
+    ok = false;
+  }
+  Settle(window.CurrentSession());
+  dialogs.scripted = false;
+  return ok;
 }
 
 }  // namespace
@@ -100,7 +213,7 @@ int main(int argc, char* argv[]) {
   const QString suffix = argc > 2 ? QString("-") + argv[2] : QString();
   QDir().mkpath(out);
   QTemporaryDir config;
-  editor::QtUserDialogs dialogs;
+  ShotDialogs dialogs;
 
   app::SplashWindow splash;
   splash.move(40, 40);
@@ -109,8 +222,9 @@ int main(int argc, char* argv[]) {
   bool ok = Save(splash, out + "/splash" + suffix + ".png");
   splash.close();
 
-  app::SelectWindow select(app::AvailablePorts("sim:0,1,2"), config.path().toStdString(), dialogs,
-                           "sim:0,1,2");
+  // Paced at 9600 baud, so that long jobs take the time they take on a real line.
+  const std::string port = "sim:0,1,2@9600";
+  app::SelectWindow select(app::AvailablePorts(port), config.path().toStdString(), dialogs, port);
   select.move(40, 40);
   select.show();
   Pump(400);
@@ -125,7 +239,7 @@ int main(int argc, char* argv[]) {
   app::MainWindow window(
       std::make_unique<app::Session>(std::move(line), dialogs, config.path().toStdString()),
       dialogs);
-  dialogs.SetParent(&window);
+  dialogs.real.SetParent(&window);
   window.move(0, 0);
   window.show();
   // The line monitor watches the search and the connects.
@@ -161,6 +275,7 @@ int main(int argc, char* argv[]) {
         QString::fromStdString(editor::ChannelCaption(channel)).remove(' ').toLower();
     ok = Save(window, out + "/editor-" + tab + suffix + ".png") && ok;
   }
+  ok = ShootDialogs(window, *shown, dialogs, out, suffix, config.path()) && ok;
   app::ApplyTheme(app::Theme::Dark);
   Pump(400);
   ok = Save(window, out + "/main-dark" + suffix + ".png") && ok;

@@ -1,8 +1,46 @@
 #include "app/editor_link.h"
 
+#include <QMetaObject>
+
 #include "presets/meters.h"
 
 namespace talvex::app {
+
+namespace {
+
+// For the length of one job the link's reports pass through here: its progress of a long wait
+// also goes to the job, everything else goes on to the observer it had (the worker).
+class ProgressTap final : public link::LinkObserver {
+ public:
+  ProgressTap(link::Link& link, editor::DeviceJob::Progress progress)
+      : link_(link), next_(link.Observer()), progress_(std::move(progress)) {
+    link_.SetObserver(this);
+  }
+  ~ProgressTap() override { link_.SetObserver(next_); }
+  ProgressTap(const ProgressTap&) = delete;
+  ProgressTap& operator=(const ProgressTap&) = delete;
+
+  void LinkFailed(const link::LinkFailure& failure) override {
+    if (next_) next_->LinkFailed(failure);
+  }
+  void FrameSent(std::span<const std::uint8_t> frame) override {
+    if (next_) next_->FrameSent(frame);
+  }
+  void ReplyTaken(std::span<const std::uint8_t> reply) override {
+    if (next_) next_->ReplyTaken(reply);
+  }
+  void Progress(link::ProgressKind kind, int value) override {
+    if (next_) next_->Progress(kind, value);
+    progress_(value, link::kProgressEnd);
+  }
+
+ private:
+  link::Link& link_;
+  link::LinkObserver* next_;
+  editor::DeviceJob::Progress progress_;
+};
+
+}  // namespace
 
 void SessionEditorLink::Send(std::span<const params::ParamEdit> edits) {
   for (const params::ParamEdit& edit : edits) {
@@ -29,6 +67,39 @@ void SessionEditorLink::PollMeters(std::function<void(const MeterLevels&)> done)
           levels[static_cast<std::size_t>(channel)] = read->Dbfs(channel);
         done(levels);
       });
+}
+
+void SessionEditorLink::RunJob(editor::DeviceJob job) {
+  // Called on the worker thread; each report is posted to the interface thread.
+  editor::DeviceJob::Progress post = [session = &session_, alive = alive_,
+                                      report = std::move(job.progress)](int value, int maximum) {
+    if (!report) return;
+    QMetaObject::invokeMethod(
+        session,
+        [alive, report, value, maximum] {
+          if (*alive) report(value, maximum);
+        },
+        Qt::QueuedConnection);
+  };
+  session_.Submit(
+      deviceId_, {},
+      [work = std::move(job.work), post](link::Link& link) {
+        const ProgressTap tap(link, post);
+        work(link, post);
+        return true;
+      },
+      [alive = alive_, done = std::move(job.done)](bool) {
+        if (*alive && done) done();
+      });
+}
+
+editor::DeviceRecords SessionEditorLink::Records() {
+  DeviceEntry& device = session_.Device(deviceId_);
+  return {device.state, device.presetState, device.names, session_.Scratch(), device.name};
+}
+
+void SessionEditorLink::DeviceRenamed() {
+  session_.DeviceRenamed(deviceId_);
 }
 
 }  // namespace talvex::app

@@ -288,6 +288,11 @@ void Session::Unconnect(int deviceId) {
   emit rowsChanged();
 }
 
+void Session::DeviceRenamed(int deviceId) {
+  CheckIndex(deviceId, kMaxDeviceId, "device ID");
+  emit rowsChanged();
+}
+
 void Session::ReportLinkErrors() {
   Submit(
       link::kAnyDevice, {}, [](link::Link& link) { return link.Flags().ReportLinkErrors = true; },

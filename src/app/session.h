@@ -22,7 +22,9 @@
 #include "link/link_worker.h"
 #include "params/decimal_mark.h"
 #include "params/device_params.h"
+#include "presets/channel_names.h"
 #include "presets/device_state.h"
+#include "presets/preset_load.h"
 
 namespace talvex::app {
 
@@ -63,7 +65,10 @@ struct DeviceEntry {
   bool disconnected = false;  // cut off by a link failure or by the user
   params::DeviceParams params = params::DeviceParams::FromDefault(0);
   presets::DeviceState state;
-  bool imageRead = false;  // params hold what the device sent, not the factory image
+  bool imageRead = false;            // params hold what the device sent, not the factory image
+  presets::PresetState presetState;  // cleared by a file load and a type change
+  // The eight channel names: the inputs' are the editor's own and live only here.
+  presets::ChannelNames names = presets::NamesFromImage(params.image);
 };
 
 class Session : public QObject, private link::LinkObserver {
@@ -109,6 +114,11 @@ class Session : public QObject, private link::LinkObserver {
   // with the same non-empty key that still wait are replaced by the newer one.
   template <typename Work, typename Done>
   void Submit(int deviceId, const std::string& key, Work work, Done done);
+
+  // The record every editor reads a preset file into before anything is taken over.
+  presets::ScratchRecord& Scratch() { return scratch_; }
+  // The device's name in Device(deviceId) changed: its row shows it.
+  void DeviceRenamed(int deviceId);
 
   link::LinkWorker& Worker() { return *worker_; }
   // Jobs submitted whose result has not come back to this thread yet (dropped ones excluded).
@@ -168,6 +178,7 @@ class Session : public QObject, private link::LinkObserver {
   UserDialogs& dialogs_;
   std::filesystem::path configFolder_;
   std::array<DeviceEntry, kDeviceCount> devices_{};
+  presets::ScratchRecord scratch_;
   std::vector<int> listedIds_;
   std::array<const char*, kDeviceCount> rowState_{};  // replaces the name in the row when set
   params::DecimalMark mark_ = params::DecimalMark::Point;

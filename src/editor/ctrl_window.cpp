@@ -1,5 +1,6 @@
 #include "editor/ctrl_window.h"
 
+#include <QAction>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QHBoxLayout>
@@ -13,12 +14,29 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
+#include "editor/dialogs/command_context.h"
 #include "editor/widgets/channel_page.h"
 #include "editor/widgets/response_graph.h"
 #include "editor/widgets/signal_chain.h"
 #include "params/captions.h"
 
 namespace talvex::editor {
+
+namespace {
+
+// A caption on two lines under its icon, broken at the blank nearest its middle, so that the
+// twelve buttons fit an editor's width ("Store Preset" over "to device").
+QString TwoLines(const QString& caption) {
+  const int middle = static_cast<int>(caption.size() / 2);
+  const int before = static_cast<int>(caption.lastIndexOf(' ', middle));
+  const int after = static_cast<int>(caption.indexOf(' ', middle));
+  int at = before;
+  if (at < 0 || (after >= 0 && after - middle < middle - before)) at = after;
+  if (at < 0) return caption;
+  return caption.left(at) + '\n' + caption.mid(at + 1);
+}
+
+}  // namespace
 
 CtrlWindow::CtrlWindow(int deviceId, int slot, params::DeviceParams& device,
                        params::DecimalMark mark, std::unique_ptr<EditorLink> link,
@@ -33,6 +51,7 @@ CtrlWindow::CtrlWindow(int deviceId, int slot, params::DeviceParams& device,
   setAttribute(Qt::WA_DeleteOnClose);
   // The editor's load: the stores are applied to the model with sending suspended.
   model_.Load();
+  model_.SetInputNames(link_->Records().names);
   model_.OnChanged([this](std::span<const params::ParamRef>) { ShowChanges(); });
 
   BuildToolbar();
@@ -59,11 +78,21 @@ CtrlWindow::CtrlWindow(int deviceId, int slot, params::DeviceParams& device,
   outer->addWidget(scroll);
 
   connect(chain_, &SignalChain::channelSelected, this, &CtrlWindow::SelectChannel);
+  connect(&page_->EditorLockBox(), &QCheckBox::clicked, this, &CtrlWindow::UpdateActions);
+  commands_ = std::make_unique<CommandContext>(CommandContext{
+      *this, model_, device, *link_, dialogs,
+      [this](const std::string& caption) { setWindowTitle(QString::fromStdString(caption)); },
+      [this](bool running) { SetJobRunning(running); }, [this] { ShowChanges(); },
+      [this] {
+        commandOpen_ = false;
+        UpdateActions();
+      }});
   setWindowTitle(QString::fromStdString(
       params::EditorCaption(deviceId_, device.image[params::kSystemTypeByte])));
   SelectChannel(0);
   UpdateView();
   page_->Refresh();
+  UpdateActions();
 
   meterTimer_ = new QTimer(this);
   connect(meterTimer_, &QTimer::timeout, this, &CtrlWindow::PollMeters);
@@ -72,13 +101,68 @@ CtrlWindow::CtrlWindow(int deviceId, int slot, params::DeviceParams& device,
 
 CtrlWindow::~CtrlWindow() = default;
 
+// The twelve window commands in their order; each shortcut works anywhere in this editor (the
+// editors share one frame window, so a window-wide shortcut would be ambiguous).
 void CtrlWindow::BuildToolbar() {
   toolbar_ = new QToolBar;
-  toolbar_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-  QAction* disconnect =
-      toolbar_->addAction(style()->standardIcon(QStyle::SP_DialogCancelButton), kDisconnectAction);
-  disconnect->setToolTip("Send the device its release and close this editor");
-  connect(disconnect, &QAction::triggered, this, [this] { emit disconnectRequested(deviceId_); });
+  toolbar_->setAccessibleName("Window commands");
+  toolbar_->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+  for (const ToolbarCommand& entry : kToolbarCommands) {
+    const QString caption = QString::fromUtf8(entry.caption.data(), entry.caption.size());
+    QAction* action = toolbar_->addAction(style()->standardIcon(entry.icon), caption);
+    action->setIconText(TwoLines(caption));
+    const QKeySequence shortcut(QString::fromUtf8(entry.shortcut.data(), entry.shortcut.size()));
+    action->setShortcut(shortcut);
+    action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    action->setToolTip(
+        QString("%1 (%2)").arg(QString::fromUtf8(entry.tooltip.data(), entry.tooltip.size()),
+                               shortcut.toString(QKeySequence::NativeText)));
+    action->setData(static_cast<int>(entry.command));
+    addAction(action);
+    connect(action, &QAction::triggered, this,
+            [this, command = entry.command] { RunCommand(command); });
+    actions_[static_cast<std::size_t>(entry.command)] = action;
+  }
+}
+
+QAction& CtrlWindow::Command2(int index) const {
+  CheckIndex(index, kWindowCommandCount - 1, "window command");
+  return *actions_[static_cast<std::size_t>(index)];
+}
+
+// The window-command-busy flag is set for the command's dialog or flow; a job it starts keeps
+// the window busy until the job ends.
+void CtrlWindow::RunCommand(WindowCommand command) {
+  if (command == WindowCommand::Disconnect) {
+    const bool wasOpen = std::exchange(commandOpen_, true);
+    emit disconnectRequested(deviceId_);
+    commandOpen_ = wasOpen;
+    return;
+  }
+  if (CommandBusy()) return;
+  commandOpen_ = true;
+  UpdateActions();
+  RunWindowCommand(command, *commands_);
+}
+
+// The toolbar's part of the enable routine: nothing starts while a command runs, and nothing
+// that changes the device while it or the editor is locked.
+void CtrlWindow::UpdateActions() {
+  const bool locked = model_.EditorLock();
+  for (const ToolbarCommand& entry : kToolbarCommands) {
+    QAction* action = actions_[static_cast<std::size_t>(entry.command)];
+    if (entry.command == WindowCommand::Disconnect) continue;
+    action->setEnabled(!CommandBusy() && !(entry.changesDevice && locked));
+  }
+}
+
+// While the device runs a long job the entry boxes ignore keys and the channel's controls are
+// disabled, so that no edit slips in between a preset's commands or under a preset read back.
+void CtrlWindow::SetJobRunning(bool running) {
+  jobsRunning_ += running ? 1 : -1;
+  model_.SetInputSuppressed(jobsRunning_ > 0);
+  page_->setEnabled(jobsRunning_ == 0);
+  UpdateActions();
 }
 
 QWidget* CtrlWindow::BuildGraphPanel() {
@@ -141,6 +225,7 @@ void CtrlWindow::ShowChanges() {
   page_->Refresh();
   chain_->Refresh();
   UpdateGraph();
+  UpdateActions();
 }
 
 void CtrlWindow::UpdateView() {

@@ -12,9 +12,11 @@
 #include <string>
 
 #include "editor/model/device_editor.h"
+#include "editor/toolbar_commands.h"
 #include "editor/user_dialogs.h"
 #include "editor/widgets/bound_controls.h"
 
+class QAction;
 class QCheckBox;
 class QRadioButton;
 class QTabBar;
@@ -24,10 +26,10 @@ class QToolBar;
 namespace talvex::editor {
 
 class ChannelPage;
+struct CommandContext;
 class ResponseGraph;
 class SignalChain;
 
-inline constexpr const char* kDisconnectAction = "Disconnect device";
 // The meters are asked for this often, and only while the line has nothing else to do.
 inline constexpr int kMeterIntervalMs = 200;
 
@@ -51,6 +53,11 @@ class CtrlWindow : public QWidget {
   ResponseGraph& Graph() const { return *graph_; }
   QTabBar& Tabs() const { return *tabs_; }
   QToolBar& Toolbar() const { return *toolbar_; }
+  // The toolbar's action for `Command2` index `index` (toolbar_commands.h).
+  QAction& Command2(int index) const;
+  // The window-command-busy flag: a command's dialog or flow is open, or a job it started runs.
+  // Meanwhile no other command starts (Disconnect excepted).
+  bool CommandBusy() const { return commandOpen_ || jobsRunning_ > 0; }
 
   // Shows `channel`'s controls (the chain's button and the tab follow).
   void SelectChannel(int channel);
@@ -71,6 +78,9 @@ class CtrlWindow : public QWidget {
   QWidget* BuildGraphPanel();
   QWidget* BuildTabs();
   void BuildToolbar();
+  void RunCommand(WindowCommand command);
+  void UpdateActions();
+  void SetJobRunning(bool running);
   void ShowChanges();
   void UpdateGraph();
   void UpdateView();
@@ -84,6 +94,10 @@ class CtrlWindow : public QWidget {
   std::function<bool()> mayClose_;
   bool asked_ = false;
   QToolBar* toolbar_ = nullptr;
+  std::array<QAction*, kWindowCommandCount> actions_{};
+  std::unique_ptr<CommandContext> commands_;
+  bool commandOpen_ = false;
+  int jobsRunning_ = 0;
   QWidget* content_ = nullptr;
   SignalChain* chain_ = nullptr;
   ResponseGraph* graph_ = nullptr;

@@ -52,13 +52,19 @@ std::optional<std::string> QtUserDialogs::ChooseOpenFile(const std::string& fold
   return file.toStdString();
 }
 
-// The dialog asks before overwriting a file (the device's tools set the same flag).
+// The dialog asks before overwriting a file (the device's tools set the same flag). A name typed
+// without an extension takes the filter's ("show" is saved as "show.tvx"), before the question,
+// so the file asked about is the file written.
 std::optional<std::string> QtUserDialogs::ChooseSaveFile(const std::string& folder,
                                                          const std::string& filter) {
-  const QString file =
-      QFileDialog::getSaveFileName(parent_, {}, QString::fromStdString(folder), QtFilter(filter));
-  if (file.isEmpty()) return std::nullopt;
-  return file.toStdString();
+  QFileDialog dialog(parent_, {}, QString::fromStdString(folder), QtFilter(filter));
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setFileMode(QFileDialog::AnyFile);
+  const auto dot = filter.rfind("*.");
+  if (dot != std::string::npos)
+    dialog.setDefaultSuffix(QString::fromStdString(filter.substr(dot + 2)));
+  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+  return dialog.selectedFiles().front().toStdString();
 }
 
 }  // namespace talvex::editor

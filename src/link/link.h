@@ -104,6 +104,7 @@ class Link {
   Transport& Line() { return transport_; }
   Clock& Time() { return clock_; }
   void SetObserver(LinkObserver* observer) { observer_ = observer; }
+  LinkObserver* Observer() const { return observer_; }
 
   // Closes the port if open, pauses 30 ms, opens it, pauses 30 ms, then sets PortOpened and
   // LinkEnabled. On failure both flags keep their values and LastOpenError() says why.

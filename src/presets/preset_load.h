@@ -16,6 +16,8 @@ inline constexpr std::string_view kLoadPresetTitle = "Load Preset";
 inline constexpr std::string_view kOtherTypeText = "The new preset is for ";
 inline constexpr std::string_view kOtherTypeAdvice =
     ", please change Xover-Type from System Setup button";
+// The file dialogs' filter, written as the device's tools wrote it: the text, a bar, the pattern.
+inline constexpr std::string_view kPresetFileFilter = "file preset (*.tvx)|*.tvx";
 // A file shorter than this is deleted on load with no message (a name typed into the open
 // dialog used to create an empty file; the load removes it again).
 inline constexpr std::size_t kShortestPresetFile = 20;

@@ -43,7 +43,9 @@ DeviceEditor::DeviceEditor(int deviceId, params::DeviceParams& device, params::D
       device_(device),
       mark_(mark),
       link_(link),
-      tables_(std::make_unique<graph::ResponseTables>()) {}
+      tables_(std::make_unique<graph::ResponseTables>()) {
+  SetInputNames(presets::NamesFromImage(device.image));
+}
 
 params::EditOptions DeviceEditor::Options() const {
   params::EditOptions options;
@@ -200,6 +202,21 @@ float DeviceEditor::LevelDb(int channel) const {
   if (view_.outPlusInput && channel >= kInputCount)
     level += LevelOf(device_.image, params::OutputSource(device_.image, channel));
   return level;
+}
+
+void DeviceEditor::StoresReplaced() {
+  ComputeAll();
+  if (changed_) changed_({});
+}
+
+void DeviceEditor::SetInputNames(const presets::ChannelNames& names) {
+  std::copy_n(names.begin(), kInputCount, inputNames_.begin());
+}
+
+std::string DeviceEditor::ChannelName(int channel) const {
+  CheckIndex(channel, params::kChannelCount - 1, "channel");
+  if (channel < kInputCount) return inputNames_[Index(channel)];
+  return params::OutputName(device_.image, channel);
 }
 
 void DeviceEditor::RedrawGraph() {

@@ -12,15 +12,59 @@
 #include <functional>
 #include <memory>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
 #include "editor/model/controls.h"
 #include "editor/model/entry_keys.h"
 #include "graph/response_tables.h"
+#include "presets/channel_names.h"
+#include "presets/device_state.h"
+#include "presets/preset_load.h"
 #include "presets/preset_transfer.h"
 
 namespace talvex::editor {
+
+// A whole conversation with the device (a store, a slot read, a file's transfer, a type
+// change, a list of commands) run as one job on the link worker, so that the window stays
+// responsive while it lasts.
+struct DeviceJob {
+  // A step of the job: `value` of `maximum`.
+  using Progress = std::function<void(int value, int maximum)>;
+  // On the link worker thread: the conversation. It may report progress any number of times;
+  // the link's own progress of a long wait (ShowSendProgress, ShowReadProgress) comes through
+  // the same function as (value, link::kProgressEnd).
+  std::function<void(link::Link&, const Progress&)> work;
+  // On the interface thread: each progress report, then the end.
+  Progress progress;
+  std::function<void()> done;
+};
+
+// A job whose conversation returns a `Result` (default-constructible), handed to `done` on the
+// interface thread.
+template <typename Result, typename Work, typename Done>
+DeviceJob MakeDeviceJob(Work work, DeviceJob::Progress progress, Done done) {
+  auto result = std::make_shared<Result>();
+  DeviceJob job;
+  job.work = [result, work = std::move(work)](link::Link& link, const DeviceJob::Progress& step) {
+    *result = work(link, step);
+  };
+  job.progress = std::move(progress);
+  job.done = [result, done = std::move(done)]() mutable { done(std::move(*result)); };
+  return job;
+}
+
+// What the program keeps of a connected device beside its stores, which the toolbar's dialogs
+// read and change. The session owns it (one per device, one scratch record for all); an
+// editor borrows it for its life.
+struct DeviceRecords {
+  presets::DeviceState& state;        // used marks and names of the 24 slots, lock, password
+  presets::PresetState& presetState;  // the loaded-preset number and the changed flag
+  presets::ChannelNames& names;       // the eight names; the input names are the editor's own
+  presets::ScratchRecord& scratch;    // every preset file is read into it first
+  std::string& deviceName;            // the 16-character name the device list shows
+};
 
 // Where an editor's commands go: to its device, through the link worker. Each command is
 // coalesced with a waiting command of the same parameter (the newest wins).
@@ -34,6 +78,27 @@ class EditorLink {
   // back on the interface thread with the levels of In A, In B, Out 1 .. Out 6. Nothing comes
   // back while the line is busy, in demo mode, or when the device does not answer.
   virtual void PollMeters(std::function<void(const MeterLevels&)> /*done*/) {}
+  // Runs `job` after everything queued before it. Its progress and its end come back on the
+  // interface thread while the editor lives; when the device fails or is unconnected before
+  // the job runs, the job is dropped and `done` never comes (the device's editor closes then).
+  // A link without a line (a test's) runs nothing.
+  virtual void RunJob(DeviceJob /*job*/) {}
+  // What the program keeps of the device. A link without a program behind it keeps its own.
+  virtual DeviceRecords Records() {
+    return {own_.state, own_.presetState, own_.names, own_.scratch, own_.deviceName};
+  }
+  // The device's name in Records() changed: the device list shows it.
+  virtual void DeviceRenamed() {}
+
+ private:
+  struct OwnRecords {
+    presets::DeviceState state;
+    presets::PresetState presetState;
+    presets::ChannelNames names = presets::NamesFromImage(params::DefaultRecord(0));
+    presets::ScratchRecord scratch;
+    std::string deviceName;
+  };
+  OwnRecords own_;
 };
 
 // What an edit did, for the window.
@@ -114,6 +179,16 @@ class DeviceEditor final : public presets::PresetView {
   float LevelDb(int channel) const;
   const graph::ResponseTables& Tables() const { return *tables_; }
 
+  // The stores changed outside the edit path (a channel copy, new names): every curve is
+  // computed again and the window is told to show everything.
+  void StoresReplaced();
+
+  // The editor's names of In A and In B (the device keeps none), fitted to six characters.
+  void SetInputNames(const presets::ChannelNames& names);
+  // A channel's name as the editor's labels show it: an input's from SetInputNames ("In A"
+  // and "In B" until then), an output's from the image.
+  std::string ChannelName(int channel) const;
+
   // Told after every change the window must show: an edit's parameters, or (empty) everything,
   // after a whole preset was applied.
   void OnChanged(std::function<void(std::span<const params::ParamRef>)> changed) {
@@ -147,6 +222,7 @@ class DeviceEditor final : public presets::PresetView {
   bool inputSuppressed_ = false;
   bool editorLock_ = false;
   bool curvesStale_ = false;
+  std::array<std::string, params::kInputCount> inputNames_;
   std::function<void(std::span<const params::ParamRef>)> changed_;
 };
 

@@ -33,10 +33,12 @@ QString CrossoverText(const params::ParamImage& image, int channel) {
   return parts.isEmpty() ? QString("full range") : parts.join("  ");
 }
 
-QString ChannelText(const params::ParamImage& image, int channel) {
+// The channel and its name; an input that still carries its own caption as name shows it once.
+QString ChannelText(const DeviceEditor& model, int channel) {
   const QString caption = QString::fromStdString(ChannelCaption(channel));
-  if (channel < kInputCount) return caption;
-  return caption + "  " + Text(params::OutputName(image, channel));
+  const QString name = QString::fromStdString(model.ChannelName(channel));
+  if (channel < kInputCount && name.trimmed() == caption) return caption;
+  return caption + "  " + name;
 }
 
 }  // namespace
@@ -95,7 +97,7 @@ void SignalChain::Refresh() {
                             ? Text(params::InputLabel(inputSource, channel))
                             : QString::fromStdString(
                                   model_.Show({params::ParamKind::OutputSource, channel, 0}).text));
-    row.button->setText(ChannelText(image, channel));
+    row.button->setText(ChannelText(model_, channel));
     row.gain->setText(
         QString::fromStdString(model_.Show({params::ParamKind::Level, channel, 0}).text) + " dB");
     const params::ParamRef delay{params::ParamKind::Delay, channel, 0};
