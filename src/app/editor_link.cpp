@@ -95,7 +95,8 @@ void SessionEditorLink::RunJob(editor::DeviceJob job) {
 
 editor::DeviceRecords SessionEditorLink::Records() {
   DeviceEntry& device = session_.Device(deviceId_);
-  return {device.state, device.presetState, device.names, session_.Scratch(), device.name};
+  return {device.state,       device.presetState, device.names,
+          session_.Scratch(), device.name,        session_.PresetFolder()};
 }
 
 void SessionEditorLink::DeviceRenamed() {

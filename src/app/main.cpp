@@ -103,6 +103,7 @@ int main(int argc, char* argv[]) {
     const app::StartupChoice choice = select.Choice();
     auto session = std::make_unique<app::Session>(link::MakeLine(link::ParsePortSpec(choice.port)),
                                                   dialogs, options.files.configFolder, mark);
+    session->SetPresetFolder(options.files.presetFolder);
     main = std::make_unique<app::MainWindow>(std::move(session), dialogs);
     dialogs.SetParent(main.get());
     QObject::connect(main.get(), &app::MainWindow::quitRequested, &app,

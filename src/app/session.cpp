@@ -40,6 +40,7 @@ Session::Session(link::Line line, UserDialogs& dialogs, std::filesystem::path co
       link_(*line_.transport, *line_.clock),
       dialogs_(dialogs),
       configFolder_(std::move(configFolder)),
+      presetFolder_(configFolder_ / "preset"),
       mark_(mark) {
   link::LinkObserver* observer = this;
   worker_ = std::make_unique<link::LinkWorker>(link_, observer);

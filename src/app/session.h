@@ -127,6 +127,10 @@ class Session : public QObject, private link::LinkObserver {
   // The frames on the line, for the line monitor (quiet while no monitor listens).
   LineTap& Tap() { return tap_; }
   const std::filesystem::path& ConfigFolder() const { return configFolder_; }
+  // Where preset files are kept: "preset" below the configuration folder unless the program
+  // says otherwise (an installed program keeps them in the user's data folder).
+  const std::filesystem::path& PresetFolder() const { return presetFolder_; }
+  void SetPresetFolder(std::filesystem::path folder) { presetFolder_ = std::move(folder); }
 
  signals:
   void searchProgress(QString text);
@@ -177,6 +181,7 @@ class Session : public QObject, private link::LinkObserver {
   std::unique_ptr<link::LinkWorker> worker_;
   UserDialogs& dialogs_;
   std::filesystem::path configFolder_;
+  std::filesystem::path presetFolder_;
   std::array<DeviceEntry, kDeviceCount> devices_{};
   presets::ScratchRecord scratch_;
   std::vector<int> listedIds_;

@@ -144,12 +144,21 @@ TEST_F(PresetDialogsTest, shouldRefuseFilesThatAreNoPresetOfTheDevice) {
   }
 }
 
-TEST_F(PresetDialogsTest, shouldOfferThePresetFolderBelowTheProgramWithTheTvxFilter) {
-  const std::filesystem::path folder = editor::PresetFolder();
-  EXPECT_EQ(folder.filename(), "preset");
-  EXPECT_EQ(folder.parent_path(), QCoreApplication::applicationDirPath().toStdString());
+// Both file dialogs open in the program's preset folder (made when missing) with the filter.
+TEST_F(PresetDialogsTest, shouldOfferThePresetFolderWithTheTvxFilter) {
+  AppHarness& app = Start("sim:0");
+  editor::CtrlWindow& editor = OpenEditor(app, 0);
+  const std::filesystem::path folder = app.Folder() / "elsewhere" / "preset";
+  app.Session().SetPresetFolder(folder);
+  app.dialogs.file.reset();  // the user cancels each dialog
+  for (WindowCommand command : {WindowCommand::LoadPresetFromPc, WindowCommand::SavePresetToPc}) {
+    app.dialogs.fileDialogs.clear();
+    Trigger(app, editor, command);
+    ASSERT_EQ(app.dialogs.fileDialogs.size(), 1u);
+    EXPECT_EQ(app.dialogs.fileDialogs[0].first, folder.string());
+    EXPECT_EQ(app.dialogs.fileDialogs[0].second, "file preset (*.tvx)|*.tvx");
+  }
   EXPECT_TRUE(std::filesystem::is_directory(folder));
-  EXPECT_EQ(presets::kPresetFileFilter, "file preset (*.tvx)|*.tvx");
 }
 
 // Slot 3 under "Chorus": the question, then the mark and 80 writes, ProgressBar1 shown over

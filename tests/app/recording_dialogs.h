@@ -38,10 +38,14 @@ class RecordingDialogs final : public editor::UserDialogs {
                    editor::DialogIcon icon) override {
     shown.push_back({"message", title, text, icon});
   }
-  std::optional<std::string> ChooseOpenFile(const std::string&, const std::string&) override {
+  std::optional<std::string> ChooseOpenFile(const std::string& folder,
+                                            const std::string& filter) override {
+    fileDialogs.emplace_back(folder, filter);
     return file;
   }
-  std::optional<std::string> ChooseSaveFile(const std::string&, const std::string&) override {
+  std::optional<std::string> ChooseSaveFile(const std::string& folder,
+                                            const std::string& filter) override {
+    fileDialogs.emplace_back(folder, filter);
     return file;
   }
 
@@ -54,6 +58,7 @@ class RecordingDialogs final : public editor::UserDialogs {
 
   std::vector<Shown> shown;
   std::optional<std::string> file;
+  std::vector<std::pair<std::string, std::string>> fileDialogs;  // folder, filter
   // Runs while a question is on the screen: what else the user sees then.
   std::function<void()> onQuestion;
 

@@ -55,9 +55,9 @@ void SendLoadedPreset(CommandContext& context, presets::PresetTransfer transfer,
 }  // namespace
 
 void LoadPresetFromPc(CommandContext& context) {
-  const auto path = context.dialogs.ChooseOpenFile(PresetFolder().string(), Filter());
+  DeviceRecords records = context.Records();
+  const auto path = context.dialogs.ChooseOpenFile(PresetFolder(records).string(), Filter());
   if (path) {
-    DeviceRecords records = context.Records();
     BoxReporter reporter(context.dialogs);
     presets::PresetLoadResult loaded =
         presets::LoadPresetFile(*path, records.scratch, context.device, records.presetState,
@@ -74,7 +74,8 @@ void LoadPresetFromPc(CommandContext& context) {
 }
 
 void SavePresetToPc(CommandContext& context) {
-  if (const auto path = context.dialogs.ChooseSaveFile(PresetFolder().string(), Filter())) {
+  if (const auto path =
+          context.dialogs.ChooseSaveFile(PresetFolder(context.Records()).string(), Filter())) {
     const std::string error = presets::SavePresetFile(*path, context.device);
     if (!error.empty()) context.dialogs.ShowMessage(kSaveFailedTitle, error, DialogIcon::Warning);
   }

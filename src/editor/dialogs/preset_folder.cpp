@@ -1,15 +1,11 @@
 #include "editor/dialogs/preset_folder.h"
 
-#include <QCoreApplication>
-
 namespace talvex::editor {
 
-std::filesystem::path PresetFolder() {
-  const std::filesystem::path folder =
-      std::filesystem::path(QCoreApplication::applicationDirPath().toStdString()) / "preset";
+std::filesystem::path PresetFolder(const DeviceRecords& records) {
   std::error_code ignored;
-  std::filesystem::create_directories(folder, ignored);
-  return folder;
+  std::filesystem::create_directories(records.presetFolder, ignored);
+  return records.presetFolder;
 }
 
 }  // namespace talvex::editor

@@ -9,6 +9,7 @@
 #pragma once
 
 #include <array>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <span>
@@ -64,6 +65,7 @@ struct DeviceRecords {
   presets::ChannelNames& names;       // the eight names; the input names are the editor's own
   presets::ScratchRecord& scratch;    // every preset file is read into it first
   std::string& deviceName;            // the 16-character name the device list shows
+  const std::filesystem::path& presetFolder;  // where the file dialogs open (config/locations.h)
 };
 
 // Where an editor's commands go: to its device, through the link worker. Each command is
@@ -85,7 +87,8 @@ class EditorLink {
   virtual void RunJob(DeviceJob /*job*/) {}
   // What the program keeps of the device. A link without a program behind it keeps its own.
   virtual DeviceRecords Records() {
-    return {own_.state, own_.presetState, own_.names, own_.scratch, own_.deviceName};
+    return {own_.state,   own_.presetState, own_.names,
+            own_.scratch, own_.deviceName,  own_.presetFolder};
   }
   // The device's name in Records() changed: the device list shows it.
   virtual void DeviceRenamed() {}
@@ -97,6 +100,7 @@ class EditorLink {
     presets::ChannelNames names = presets::NamesFromImage(params::DefaultRecord(0));
     presets::ScratchRecord scratch;
     std::string deviceName;
+    std::filesystem::path presetFolder = std::filesystem::temp_directory_path();
   };
   OwnRecords own_;
 };
