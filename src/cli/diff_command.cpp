@@ -33,18 +33,6 @@ std::string Shown(const ShownValue& value) {
   return quoted ? JsonString(value.text) : value.text;
 }
 
-std::string Json(const ShownValue& value) {
-  switch (value.type) {
-    case ShownValue::Type::Number:
-      return value.text;
-    case ShownValue::Type::None:
-      return "null";
-    case ShownValue::Type::Text:
-      break;
-  }
-  return JsonString(value.text);
-}
-
 int Diff(CliContext& context) {
   RequireArgCount(context, 1, 2);
   if (context.Options().file) throw UsageError("diff names its files itself: diff A.tvx [B.tvx]");
@@ -60,7 +48,7 @@ int Diff(CliContext& context) {
     const ShownValue second = GetParam(b, difference.ref);
     if (context.Options().json) {
       out << separator << "{\"name\": " << JsonString(ParamName(difference.ref))
-          << ", \"a\": " << Json(first) << ", \"b\": " << Json(second) << '}';
+          << ", \"a\": " << JsonValue(first) << ", \"b\": " << JsonValue(second) << '}';
       separator = ", ";
     } else {
       out << ParamName(difference.ref) << ": " << Shown(first) << " -> " << Shown(second) << '\n';

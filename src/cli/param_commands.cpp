@@ -30,18 +30,6 @@ bool Readable(const CliContext& context, const ParamRef& ref) {
          (storage == params::Storage::Record && Offline(context));
 }
 
-std::string JsonValue(const ShownValue& value) {
-  switch (value.type) {
-    case ShownValue::Type::Number:
-      return value.text;
-    case ShownValue::Type::None:
-      return "null";
-    case ShownValue::Type::Text:
-      break;
-  }
-  return JsonString(value.text);
-}
-
 void Print(CliContext& context, const std::vector<std::pair<ParamRef, ShownValue>>& values) {
   std::ostream& out = context.Out();
   if (!context.Options().json) {

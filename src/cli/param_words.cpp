@@ -175,6 +175,18 @@ bool Typed(const ParamRef& ref) {
 
 }  // namespace
 
+std::string JsonValue(const ShownValue& value) {
+  switch (value.type) {
+    case ShownValue::Type::Number:
+      return value.text;
+    case ShownValue::Type::None:
+      return "null";
+    case ShownValue::Type::Text:
+      break;
+  }
+  return JsonString(value.text);
+}
+
 std::string Folded(std::string_view text) {
   std::string folded;
   for (char c : text)

@@ -24,6 +24,9 @@ struct ShownValue {
   std::string text;  // "." as the decimal mark
 };
 
+// The value as a JSON value: a number, null, or a string.
+std::string JsonValue(const ShownValue& value);
+
 // The parameter as `image` holds it. Throws IndexError for a parameter the image does not hold
 // (StorageOf NotStored) or a byte the device would never hold.
 ShownValue GetParam(const params::ParamImage& image, const ParamRef& ref);

@@ -4,18 +4,7 @@
 
 namespace talvex::link {
 
-namespace {
-
-protocol::Command AddressedCommand(std::uint8_t code, std::size_t address) {
-  const auto bytes = protocol::SplitToBytes(static_cast<double>(address));
-  protocol::Command command;
-  command.code = code;
-  command.p(1) = bytes[2];  // high byte of the 16-bit address
-  command.p(2) = bytes[3];  // low byte
-  return command;
-}
-
-}  // namespace
+using protocol::AddressedCommand;
 
 std::string DeviceRowText(std::string_view name, int deviceId) {
   return std::string(name) + "  ID:" + std::to_string(deviceId);

@@ -13,13 +13,6 @@ namespace {
 
 constexpr std::size_t kWriteSize = 4;
 
-// An address as the device takes it: bytes 2 and 3 of SplitToBytes, high byte first.
-void PutAddress(protocol::Command& command, std::size_t address, int highParam) {
-  const std::array<std::uint8_t, 4> bytes = protocol::SplitToBytes(static_cast<double>(address));
-  command.p(highParam) = bytes[2];
-  command.p(highParam + 1) = bytes[3];
-}
-
 std::size_t Index(int value) {
   return static_cast<std::size_t>(value);
 }
@@ -30,7 +23,7 @@ protocol::Command SlotMarkCommand(int slot, std::uint8_t mark) {
   CheckIndex(slot, params::kSlotCount - 1, "preset slot");
   protocol::Command command;
   command.code = protocol::code::kMemoryWrite;
-  PutAddress(command, mem::kUsedMarks + Index(slot), 1);
+  protocol::PutAddress(command, mem::kUsedMarks + Index(slot), 1);
   command.p(5) = mark;
   return command;
 }
@@ -42,9 +35,9 @@ protocol::Command MarkSlotUsedCommand(int slot) {
 protocol::Command StoreDataCommand(std::size_t address, std::span<const std::uint8_t, 4> bytes) {
   protocol::Command command;
   command.code = protocol::code::kStoreData;
-  PutAddress(command, address, 1);
+  protocol::PutAddress(command, address, 1);
   std::copy(bytes.begin(), bytes.end(), command.params.begin() + 2);
-  PutAddress(command, address, 7);
+  protocol::PutAddress(command, address, 7);
   return command;
 }
 

@@ -21,15 +21,7 @@ constexpr std::size_t kAddressedByte = 8;
 
 using Reply = std::array<std::uint8_t, protocol::kFrameSize>;
 
-// The address in p1 (high byte) and p2 (low byte), as SplitToBytes splits it.
-protocol::Command AddressedCommand(std::uint8_t commandCode, std::size_t address) {
-  protocol::Command command;
-  command.code = commandCode;
-  const std::array<std::uint8_t, 4> bytes = protocol::SplitToBytes(static_cast<double>(address));
-  command.p(1) = bytes[2];
-  command.p(2) = bytes[3];
-  return command;
-}
+using protocol::AddressedCommand;
 
 class StateReader {
  public:

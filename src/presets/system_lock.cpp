@@ -16,15 +16,6 @@ namespace {
 constexpr std::size_t kFourBytesAhead = 2;
 constexpr std::size_t kFirstDataByte = 6;
 
-protocol::Command MemoryCommand(std::uint8_t commandCode, std::size_t address) {
-  protocol::Command command;
-  command.code = commandCode;
-  const std::array<std::uint8_t, 4> bytes = protocol::SplitToBytes(static_cast<double>(address));
-  command.p(1) = bytes[2];
-  command.p(2) = bytes[3];
-  return command;
-}
-
 std::optional<Password> Encode(std::string_view text) {
   if (text.size() != kPasswordLength) return std::nullopt;
   Password password{};
@@ -78,8 +69,8 @@ std::string_view LockText(bool locked) {
 StateRead ReadDevicePassword(link::Link& link, int deviceId, DeviceState& state) {
   Password password{};
   for (std::size_t at = 0; at < kPasswordLength; at += 4) {
-    const auto read =
-        MemoryCommand(protocol::code::kMemoryRead, mem::kPassword + at + kFourBytesAhead);
+    const auto read = protocol::AddressedCommand(protocol::code::kMemoryRead,
+                                                 mem::kPassword + at + kFourBytesAhead);
     switch (link.SendCommand(deviceId, read)) {
       case link::SendResult::Replied:
         break;
@@ -96,7 +87,7 @@ StateRead ReadDevicePassword(link::Link& link, int deviceId, DeviceState& state)
 }
 
 protocol::Command LockByteCommand(std::uint8_t lockByte) {
-  protocol::Command command = MemoryCommand(protocol::code::kMemoryWrite, mem::kLock);
+  protocol::Command command = protocol::AddressedCommand(protocol::code::kMemoryWrite, mem::kLock);
   command.p(5) = lockByte;
   return command;
 }
@@ -126,7 +117,8 @@ std::vector<protocol::Command> NewPasswordCommands(std::string_view password) {
   if (!encoded) throw std::invalid_argument(std::string(kValuePasswordWrongText));
   std::vector<protocol::Command> commands;
   for (std::size_t i = 0; i < kPasswordLength; ++i) {
-    protocol::Command command = MemoryCommand(protocol::code::kMemoryWrite, mem::kPassword + i);
+    protocol::Command command =
+        protocol::AddressedCommand(protocol::code::kMemoryWrite, mem::kPassword + i);
     command.p(5) = (*encoded)[i];
     commands.push_back(command);
   }

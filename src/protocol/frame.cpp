@@ -48,6 +48,19 @@ std::array<std::uint8_t, 4> SplitToBytes(double value) {
           static_cast<std::uint8_t>(bits >> 8), static_cast<std::uint8_t>(bits)};
 }
 
+void PutAddress(Command& command, std::size_t address, int highParam) {
+  const std::array<std::uint8_t, 4> bytes = SplitToBytes(static_cast<double>(address));
+  command.p(highParam) = bytes[2];
+  command.p(highParam + 1) = bytes[3];
+}
+
+Command AddressedCommand(std::uint8_t commandCode, std::size_t address) {
+  Command command;
+  command.code = commandCode;
+  PutAddress(command, address);
+  return command;
+}
+
 std::string ParameterKey(const Command& command) {
   const std::string codeKey = std::to_string(command.code);
   const auto with = [&](std::initializer_list<int> bytes) {

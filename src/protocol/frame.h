@@ -134,6 +134,12 @@ bool HasFrameEnvelope(std::span<const std::uint8_t> bytes);
 // values go out as bytes 2 and 3 of this result (the 16-bit high and low byte).
 std::array<std::uint8_t, 4> SplitToBytes(double value);
 
+// Writes a device-memory address into parameters `highParam` and the one after it, high byte
+// first: bytes 2 and 3 of SplitToBytes, as the device takes every address.
+void PutAddress(Command& command, std::size_t address, int highParam = 1);
+// A command of `commandCode` addressing device memory at `address` (p1 high, p2 low).
+Command AddressedCommand(std::uint8_t commandCode, std::size_t address);
+
 // What a command sets, for commands that set one parameter as a whole ("5/2/3" for band 3 of
 // Out 1): a later command with the same key replaces the earlier one's effect, so a command
 // that still waits to go out may be dropped for it. Empty for commands that must each go out
