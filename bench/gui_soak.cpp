@@ -130,6 +130,7 @@ struct Figures {
   long linkFailuresBefore = 0;  // before the first editor: unreported by design
   link::LinkStats stats;
   double longestStallMs = 0;
+  std::string longestStallAfter;  // the action that ran last before it
   double longestActionMs = 0;
   std::string longestActionKind;
   int devicesCompared = 0;
@@ -144,13 +145,16 @@ class Driver {
 
   void Act(Figures& figures) {
     const std::string kind = Choose();
+    detail.clear();
+    lastAction = kind;
     const auto start = std::chrono::steady_clock::now();
     Do(kind);
     const double ms = Ms(std::chrono::steady_clock::now() - start);
     ++figures.actions[kind];
+    if (!detail.empty()) lastAction += " " + detail;
     if (kind != "pause" && ms > figures.longestActionMs) {  // a pause runs the event loop
       figures.longestActionMs = ms;
-      figures.longestActionKind = kind;
+      figures.longestActionKind = detail.empty() ? kind : kind + " " + detail;
     }
   }
 
@@ -158,6 +162,8 @@ class Driver {
   // comes back, as a device switched on again does.
   bool VanishArmed() const { return vanishArmed_; }
   int vanishes = 0;
+  std::string detail;      // what the last action did, beyond its kind
+  std::string lastAction;  // its kind and detail
 
   std::vector<editor::CtrlWindow*> Editors() const {
     std::vector<editor::CtrlWindow*> open;
@@ -290,6 +296,7 @@ class Driver {
         WindowCommand::Password,         WindowCommand::EditDeviceName,
     };
     const WindowCommand command = kCommands[Uniform(0, std::size(kCommands) - 1)];
+    detail = std::string(editor::ToolbarCommandOf(command).caption);
     if (command == WindowCommand::ReadPreset && vanishArmed_ &&
         editor.DeviceId() == kVanishingDevice)
       return;
@@ -462,6 +469,7 @@ int main(int argc, char** argv) {
   OnWorker(line, [&](link::Link& link) { figures.linkFailuresBefore = link.Stats().failures; });
   SetFaults(line, seed);
 
+  Driver driver(window, dialogs, seed + 1);
   // The heartbeat: the longest gap between its ticks, less its interval, is the longest time
   // the interface thread did not come back to its event loop.
   QElapsedTimer beat;
@@ -469,13 +477,15 @@ int main(int argc, char** argv) {
   heartbeat.setTimerType(Qt::PreciseTimer);
   heartbeat.setInterval(5);
   QObject::connect(&heartbeat, &QTimer::timeout, [&] {
-    if (beat.isValid())
-      figures.longestStallMs = std::max(figures.longestStallMs, beat.nsecsElapsed() / 1e6 - 5);
+    const double stall = beat.isValid() ? beat.nsecsElapsed() / 1e6 - 5 : 0;
+    if (stall > figures.longestStallMs) {
+      figures.longestStallMs = stall;
+      figures.longestStallAfter = driver.lastAction;
+    }
     beat.restart();
   });
   heartbeat.start();
 
-  Driver driver(window, dialogs, seed + 1);
   QTimer user;
   long done = 0;
   QEventLoop run;
@@ -537,8 +547,8 @@ int main(int argc, char** argv) {
               reported, otherProblems);
   std::printf("device vanished       %d times; connects unanswered %d\n", driver.vanishes,
               unanswered);
-  std::printf("longest stall         %.1f ms (limit %.0f ms)\n", figures.longestStallMs,
-              kStallLimitMs);
+  std::printf("longest stall         %.1f ms (limit %.0f ms), after %s\n", figures.longestStallMs,
+              kStallLimitMs, figures.longestStallAfter.c_str());
   std::printf("longest action        %.1f ms (%s)\n", figures.longestActionMs,
               figures.longestActionKind.c_str());
   std::printf("devices compared      %d, bytes 0..303 differing %d\n", figures.devicesCompared,
