@@ -112,7 +112,8 @@ class SoakDialogs final : public editor::UserDialogs {
   void Linger() {
     deepest = std::max(deepest, ++depth);
     QEventLoop loop;
-    QTimer::singleShot(std::uniform_int_distribution<int>(0, 5)(random_), &loop, &QEventLoop::quit);
+    QTimer::singleShot(std::uniform_int_distribution<int>(0, 30)(random_), &loop,
+                       &QEventLoop::quit);
     loop.exec();
     --depth;
   }
@@ -244,10 +245,14 @@ class Driver {
       return editor->Command2(static_cast<int>(WindowCommand::Disconnect)).trigger();
   }
 
+  // Mostly a device without an editor; now and then one whose editor is open ("The window is
+  // already open").
   void Connect() {
-    const std::vector<int>& ids = window_.CurrentSession().ListedIds();
+    std::vector<int> ids;
+    for (int id : window_.CurrentSession().ListedIds())
+      if (!window_.Slots().SlotOfDevice(id) || Chance(0.1)) ids.push_back(id);
     if (ids.empty()) return;
-    const int id = ids[static_cast<std::size_t>(Uniform(0, static_cast<int>(ids.size()) - 1))];
+    const int id = Pick(ids);
     // A block read of a device that has vanished ends the program ("Time out"), as it must:
     // the soak does not connect it while it is gone.
     if (id == kVanishingDevice && vanishArmed_) return;
@@ -559,6 +564,21 @@ int main(int argc, char** argv) {
     }
   }
 
+  // What reached the devices, by kind of conversation.
+  std::map<std::string, int> reached;
+  OnWorker(line, [&](link::Link&) {
+    static const std::pair<const char*, std::uint8_t> kCodes[] = {
+        {"store data", protocol::code::kStoreData},
+        {"block reads", protocol::code::kReadBlock},
+        {"type changes", protocol::code::kSetSystemType},
+        {"channel bits", protocol::code::kChannelBits},
+        {"names", protocol::code::kChannelName},
+        {"releases", protocol::code::kRelease},
+        {"meter polls", protocol::code::kMeterPoll}};
+    for (const auto& [name, code] : kCodes)
+      for (int id : line.Simulator()->DeviceIds())
+        reached[name] += line.Simulator()->Device(id).FramesHandled(code);
+  });
   const long finalFailures = figures.stats.failures - figures.linkFailuresBefore;
   const int linkReports = dialogs.Count(std::string(link::kCommunicationProblemTitle) + ": " +
                                         std::string(link::kCommunicationProblemText));
@@ -577,6 +597,10 @@ int main(int argc, char** argv) {
   std::printf("\n");
   std::printf("questions, messages   %d, %zu kinds, boxes up at once %d\n", dialogs.questions,
               dialogs.shown.size(), dialogs.deepest);
+  std::printf("frames handled        ");
+  for (const auto& [name, count] : reached)
+    std::printf("%s %d  ", name.c_str(), count);
+  std::printf("\n");
   std::printf("transmissions         %ld\n", figures.stats.transmissions);
   std::printf("retransmissions       %ld\n", figures.stats.retransmissions);
   std::printf("final failures        %ld (reported %d, other problem boxes %d)\n", finalFailures,

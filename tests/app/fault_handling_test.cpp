@@ -2,7 +2,10 @@
 // waits, the port gone and reopened, the program left while a pass over the devices runs.
 #include <gtest/gtest.h>
 
+#include <QEventLoop>
+#include <QMdiSubWindow>
 #include <QMenuBar>
+#include <QTimer>
 #include <future>
 
 #include "editor/dialogs/command_context.h"
@@ -120,6 +123,53 @@ TEST(FaultHandlingTest, shouldTellALostPortOnceAndReopenItFromTheMainWindow) {
   app.Settle();
   EXPECT_EQ(app.Frames(0, code::kChannelLevel), levels + 1);
   EXPECT_EQ(Messages(app).size(), 2u);
+}
+
+// Runs `during` inside an event loop that stays up a little, as a message box's does: what is
+// posted meanwhile (a device lost, a window deleted later) happens under the box.
+void UnderABox(const std::function<void()>& during) {
+  QEventLoop box;
+  QTimer::singleShot(0, &box, during);
+  QTimer::singleShot(30, &box, &QEventLoop::quit);
+  box.exec();
+}
+
+// A device is lost while the user answers a question of its editor (the close question, or
+// "Do you want unconnect this device"), and meanwhile another device connects: the editor does
+// not close (nor is it deleted) under the box, the code that asked goes on with a live window,
+// and the other device's editor keeps its slot and its line.
+TEST(FaultHandlingTest, shouldNotCloseAnEditorUnderAnOpenBox) {
+  for (const bool viaDisconnect : {false, true}) {
+    AppHarness app("sim:0,1");
+    app.Start(Choice(SearchMode::AllIds));
+    editor::CtrlWindow& editor = OpenEditor(app, 0);
+    bool once = false;
+    app.dialogs.onQuestion = [&] {
+      if (std::exchange(once, true)) return;
+      UnderABox([&] {
+        emit app.Session().deviceLost(0);
+        app.window->ConnectDevice(1);
+        app.Settle();
+      });
+    };
+    if (viaDisconnect) {
+      editor.Command2(static_cast<int>(WindowCommand::Disconnect)).trigger();
+    } else {
+      qobject_cast<QMdiSubWindow*>(editor.parentWidget())->close();
+    }
+    app.Settle();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    app.dialogs.onQuestion = nullptr;
+    EXPECT_FALSE(app.window->Slots().SlotOfDevice(0).has_value()) << viaDisconnect;
+    const auto slot = app.window->Slots().SlotOfDevice(1);
+    ASSERT_TRUE(slot.has_value()) << viaDisconnect;
+    editor::CtrlWindow* other = app.window->Editor(*slot);
+    ASSERT_NE(other, nullptr) << viaDisconnect;
+    const int levels = app.Frames(1, code::kChannelLevel);
+    other->Model().Commit({ParamKind::Level, 2, 0}, "-2");
+    app.Settle();
+    EXPECT_EQ(app.Frames(1, code::kChannelLevel), levels + 1) << viaDisconnect;
+  }
 }
 
 // The user leaves while a name refresh walks the devices: command 143 is the last frame; the
