@@ -113,7 +113,8 @@ void FrmStore::Store() {
       [self, records, store](presets::StoreOutcome outcome) {
         presets::FinishStore(records.state, store, outcome);
         if (self) self->Stored(store, outcome);
-      });
+      },
+      StoreNotDone(id, slot));
 }
 
 // The slot shows its new name; after a stop the link has reported the failure and the editor

@@ -40,6 +40,9 @@ struct DeviceJob {
   // On the interface thread: each progress report, then the end.
   Progress progress;
   std::function<void()> done;
+  // Told (title, text) when the job is dropped before it began: its editor closed first.
+  std::string unfinishedTitle;
+  std::string unfinishedText;
 };
 
 // A job whose conversation returns a `Result` (default-constructible), handed to `done` on the
