@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cli/cli_context.h"
+#include "graph/output_response.h"
 #include "params/device_params.h"
 
 namespace talvex::cli {
@@ -47,5 +48,7 @@ params::ParamImage LoadRecord(CliContext& context);
 params::DeviceParams LoadParams(CliContext& context);
 // A channel word (inA, inB, out1 .. out6) as ChannelIndex; UsageError for any other.
 int ChannelArg(const std::string& text);
+// The outputs of --sum: different output words separated by commas ("out1,out3").
+graph::OutputSet ParseOutputList(const std::string& text);
 
 }  // namespace talvex::cli
