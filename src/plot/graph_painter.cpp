@@ -205,7 +205,9 @@ void PaintHandles(QPainter& painter, const PlotMapping& mapping, const QRect& pl
   painter.save();
   painter.setClipRect(plot);
   painter.setRenderHint(QPainter::Antialiasing, true);
-  for (const HandleMark& handle : handles) {
+  // The first on top: where several meet, it is the one the mouse takes.
+  for (auto it = handles.rbegin(); it != handles.rend(); ++it) {
+    const HandleMark& handle = *it;
     const QPointF centre(plot.left() + mapping.XOf(handle.hz),
                          plot.top() + mapping.MagnitudeY(handle.db));
     const QColor colour = ChannelColour(handle.channel, base);
