@@ -28,6 +28,7 @@ void AddWordsCommands(std::vector<CommandSpec>& commands);
 void AddEqCommands(std::vector<CommandSpec>& commands);
 void AddDiffCommands(std::vector<CommandSpec>& commands);
 void AddBackupCommands(std::vector<CommandSpec>& commands);
+void AddPlotCommands(std::vector<CommandSpec>& commands);
 // What get and set do, and the parameter names, for the usage text.
 std::string ParamUsage();
 

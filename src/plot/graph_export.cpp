@@ -1,9 +1,12 @@
 #include "plot/graph_export.h"
 
 #include <QBuffer>
+#include <QFont>
 #include <QFontMetricsF>
+#include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
+#include <QPalette>
 #include <QSvgGenerator>
 #include <algorithm>
 #include <cctype>
@@ -100,6 +103,20 @@ std::string WriteGraphFile(const std::filesystem::path& path, const GraphPicture
   }
   if (bytes.empty()) return "cannot draw the graph";
   return config::WriteFileAtomically(path, bytes);
+}
+
+std::string WriteGraphFile(const std::filesystem::path& path, const GraphScene& scene, int dpi,
+                           const std::array<std::string, graph::kChannelCount>& names) {
+  if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
+    return "drawing the graph needs Qt's graphics, which this program did not start";
+  const QFont font = QGuiApplication::font();
+  const QPalette palette = QGuiApplication::palette();
+  return WriteGraphFile(path, {scene, dpi, font, palette}, names);
+}
+
+std::unique_ptr<QCoreApplication> MakeDrawingApplication(int& argc, char** argv) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  return std::make_unique<QGuiApplication>(argc, argv);
 }
 
 }  // namespace talvex::plot

@@ -6,12 +6,14 @@
 #include <array>
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "plot/graph_painter.h"
 
+class QCoreApplication;
 class QFont;
 class QPalette;
 
@@ -42,5 +44,14 @@ std::vector<std::uint8_t> GraphSvg(const GraphPicture& picture);
 // for the user; nothing is left half-written.
 std::string WriteGraphFile(const std::filesystem::path& path, const GraphPicture& picture,
                            const std::array<std::string, graph::kChannelCount>& names);
+
+// The same for a program without windows (talvexctl): in the application's default font and
+// colours. Needs the application of MakeDrawingApplication; without one it says so.
+std::string WriteGraphFile(const std::filesystem::path& path, const GraphScene& scene, int dpi,
+                           const std::array<std::string, graph::kChannelCount>& names);
+
+// The application object of a program that draws the graph without a display: Qt's graphics
+// on the offscreen platform, so it runs where no display is and opens no window.
+std::unique_ptr<QCoreApplication> MakeDrawingApplication(int& argc, char** argv);
 
 }  // namespace talvex::plot

@@ -153,20 +153,33 @@ void PaintGrid(QPainter& painter, const PlotMapping& mapping, const QRect& plot,
   painter.drawRect(plot.adjusted(-1, -1, 0, 0));  // the one-pixel frame just outside the plot
 }
 
-// The frequency labels from left to right, each centred on its frequency, leaving out one that
-// would touch the one before it or reach beyond the graph (a zoomed plot labels densely).
+// Whether a frequency is 1, 2 or 5 times a power of ten: the labels a crowded axis keeps.
+bool IsRoundFrequency(double hz) {
+  const double mantissa = hz / std::pow(10.0, std::floor(std::log10(hz) + 1e-9));
+  return std::abs(mantissa - 1) < 1e-6 || std::abs(mantissa - 2) < 1e-6 ||
+         std::abs(mantissa - 5) < 1e-6;
+}
+
+// The frequency labels, each centred on its frequency; where a zoomed plot labels densely, a
+// label that would touch one already placed or reach beyond the graph is left out, the round
+// ones (1, 2, 5 times a power of ten) placed first.
 void PaintFrequencyLabels(QPainter& painter, const PlotMapping& mapping, const QRect& plot,
                           const graph::AxisTicks& ticks, qreal graphWidth, qreal row,
                           const LabelMetrics& labels) {
-  qreal lastRight = -1e9;
-  for (double hz : ticks.labelled) {
+  std::vector<std::pair<qreal, qreal>> placed;
+  const auto place = [&](double hz) {
     const QString text = QString::fromStdString(graph::FrequencyLabel(hz));
     const qreal x = TickX(mapping, plot, hz);
     const qreal half = painter.fontMetrics().horizontalAdvance(text) / 2;
-    if (x - half < std::max(lastRight + labels.gap, 0.0) || x + half > graphWidth) continue;
+    if (x - half < 0 || x + half > graphWidth) return;
+    for (const auto& [left, right] : placed)
+      if (x - half < right + labels.gap && x + half > left - labels.gap) return;
+    placed.emplace_back(x - half, x + half);
     DrawLabel(painter, x, row, text, Qt::AlignHCenter, labels);
-    lastRight = x + half;
-  }
+  };
+  for (bool round : {true, false})
+    for (double hz : ticks.labelled)
+      if (IsRoundFrequency(hz) == round) place(hz);
 }
 
 void PaintLabels(QPainter& painter, const PlotMapping& mapping, const GraphLayout& layout,

@@ -159,5 +159,39 @@ TEST_F(ResponseCommandTest, shouldRefuseChannelsAndPartsThatDoNotExist) {
   }
 }
 
+// plot's words are checked before anything is read or drawn; without Qt's graphics (this test
+// program starts none, talvexctl starts them for plot) it fails in words, writing nothing.
+TEST_F(ResponseCommandTest, shouldRefusePlotWordsAndDrawOnlyWithGraphics) {
+  const struct {
+    std::vector<std::string> args;
+    std::string message;
+  } cases[] = {
+      {{"plot"}, "plot needs a file: FILE.png, FILE.svg or FILE.csv"},
+      {{"plot", "g.jpg"}, "\"g.jpg\" does not end in .png, .svg or .csv"},
+      {{"plot", "a.png", "b.png"}, "unexpected argument \"b.png\""},
+      {{"plot", "--hz", "500", "g.png"}, "--hz \"500\" is not LOW:HIGH within 20..20000"},
+      {{"plot", "--hz", "5000:500", "g.png"}, "--hz \"5000:500\" is not LOW:HIGH within 20..20000"},
+      {{"plot", "--db", "-40:0", "g.png"}, "--db \"-40:0\" is not LOW:HIGH within -30..30"},
+      {{"plot", "--dpi", "20", "g.png"}, "--dpi \"20\" is not a whole number from 48 to 480"},
+      {{"plot", "--cursor", "x", "g.png"}, "--cursor \"x\" is not a number"},
+      {{"plot", "--channel", "out1,out9", "g.png"},
+       "--channel \"out1,out9\" is not a list of inA, inB and out1..out6"},
+      {{"plot", "--sum", "inA", "g.png"},
+       "\"inA\" is not a list of different outputs out1..out6 (out1,out3)"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(Run(c.args), kExitUsage) << c.message;
+    EXPECT_NE(err_.str().find(c.message), std::string::npos) << err_.str();
+  }
+  const std::string picture = (dir_ / "g.png").string();
+  EXPECT_EQ(Run({"plot", picture}), kExitFailure);
+  EXPECT_EQ(err_.str(),
+            "talvexctl: drawing the graph needs Qt's graphics, which this program did not start\n");
+  EXPECT_FALSE(fs::exists(picture));
+  EXPECT_FALSE(DrawsGraph({"--port", "sim:0", "response"}));
+  EXPECT_TRUE(DrawsGraph({"--port", "sim:0", "plot", "g.png"}));
+  EXPECT_FALSE(DrawsGraph({"--id", "99", "plot", "g.png"}));  // RunCli reports it
+}
+
 }  // namespace
 }  // namespace talvex::cli

@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 
 #include "editor/model/controls.h"
+#include "editor/model/shown_graph.h"
 #include "editor/widgets/response_graph.h"
 #include "plot/graph_export.h"
 
@@ -118,20 +119,7 @@ void GraphPanel::UpdateView() {
 }
 
 void GraphPanel::Refresh() {
-  GraphCurves curves;
-  const auto shown = model_.ShownChannels();
-  for (int channel = 0; channel < params::kChannelCount; ++channel) {
-    const auto at = Index(channel);
-    if (!shown[at]) continue;
-    curves.magnitude[at] = &model_.Magnitude(channel);
-    curves.phase[at] = &model_.Phase(channel);
-    curves.levelDb[at] = model_.LevelDb(channel);
-  }
-  if (const graph::ResponseCurves* sum = model_.Sum()) {
-    curves.sumMagnitude = &sum->magnitude;
-    curves.sumPhase = &sum->phase;
-  }
-  graph_->SetCurves(curves);
+  graph_->SetCurves(ShownCurvesOf(model_, model_.ShownChannels()));
   handles_ = GraphHandles(model_);
   std::vector<ResponseGraph::Handle> marks;
   for (const GraphHandle& handle : handles_)
