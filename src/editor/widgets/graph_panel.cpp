@@ -36,7 +36,6 @@ GraphPanel::GraphPanel(DeviceEditor& model, UserDialogs& dialogs,
   layout->addWidget(graph_);
   layout->addLayout(BuildViewBoxes());
   layout->addLayout(BuildOptions());
-  layout->addLayout(BuildSumBoxes());
   connect(graph_, &ResponseGraph::handlePressed, this, &GraphPanel::Press);
   connect(graph_, &ResponseGraph::handleDragged, this, &GraphPanel::Drag);
   connect(graph_, &ResponseGraph::handleReleased, this, [this] { drag_.reset(); });
@@ -55,6 +54,14 @@ QLayout* GraphPanel::BuildViewBoxes() {
     connect(viewBoxes_[box], &QCheckBox::toggled, this, &GraphPanel::UpdateView);
   }
   boxes->addStretch(1);
+  reset_ = new QPushButton("Reset view");
+  reset_->setToolTip("Show the whole graph again after zooming (Home on the graph)");
+  export_ = new QPushButton("Export...");
+  export_->setToolTip("Save the graph as a PNG picture, an SVG drawing or a CSV table");
+  boxes->addWidget(reset_);
+  boxes->addWidget(export_);
+  connect(reset_, &QPushButton::clicked, graph_, [this] { graph_->SetRange({}); });
+  connect(export_, &QPushButton::clicked, this, &GraphPanel::Export);
   return boxes;
 }
 
@@ -68,39 +75,32 @@ QLayout* GraphPanel::BuildOptions() {
       "Draw each output's whole way from the input that feeds it, levels, delays and polarities "
       "included");
   (model_.View().outPlusInput ? outThroughInput_ : outAlone_)->setChecked(true);
-  reset_ = new QPushButton("Reset view");
-  reset_->setToolTip("Show the whole graph again after zooming (Home on the graph)");
-  export_ = new QPushButton("Export...");
-  export_->setToolTip("Save the graph as a PNG picture, an SVG drawing or a CSV table");
   for (QWidget* widget : std::initializer_list<QWidget*>{showCursor_, outAlone_, outThroughInput_})
     options->addWidget(widget);
+  options->addSpacing(options->spacing() * 2);
+  AddSumBoxes(*options);
   options->addStretch(1);
-  options->addWidget(reset_);
-  options->addWidget(export_);
   connect(showCursor_, &QCheckBox::toggled, graph_, &ResponseGraph::SetCursorShown);
   connect(outThroughInput_, &QRadioButton::toggled, this, &GraphPanel::UpdateView);
-  connect(reset_, &QPushButton::clicked, graph_, [this] { graph_->SetRange({}); });
-  connect(export_, &QPushButton::clicked, this, &GraphPanel::Export);
   return options;
 }
 
-QLayout* GraphPanel::BuildSumBoxes() {
-  auto* boxes = new QHBoxLayout;
+// "Sum:" and a box per output, captioned by its number to keep the row short; each box is
+// named "Sum Out k" for screen readers.
+void GraphPanel::AddSumBoxes(QHBoxLayout& row) {
   auto* label = new QLabel("Sum:");
   label->setToolTip("The outputs whose acoustic sum the graph draws");
-  boxes->addWidget(label);
+  row.addWidget(label);
   for (int output = 0; output < params::kOutputCount; ++output) {
     const QString caption = QString::fromStdString(ChannelCaption(output + params::kInputCount));
-    auto* box = new QCheckBox(caption);
+    auto* box = new QCheckBox(QString::number(output + 1));
     box->setAccessibleName("Sum " + caption);
     box->setToolTip("Add " + caption + " to the acoustic sum drawn on the graph");
     box->setChecked(model_.View().sumOutputs.test(Index(output)));
-    boxes->addWidget(box);
+    row.addWidget(box);
     connect(box, &QCheckBox::toggled, this, &GraphPanel::UpdateView);
     sumBoxes_[Index(output)] = box;
   }
-  boxes->addStretch(1);
-  return boxes;
 }
 
 QCheckBox& GraphPanel::SumBox(int output) const {

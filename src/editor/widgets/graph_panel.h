@@ -17,6 +17,7 @@
 #include "editor/user_dialogs.h"
 
 class QCheckBox;
+class QHBoxLayout;
 class QPushButton;
 class QRadioButton;
 
@@ -53,7 +54,7 @@ class GraphPanel : public QWidget {
  private:
   QLayout* BuildViewBoxes();
   QLayout* BuildOptions();
-  QLayout* BuildSumBoxes();
+  void AddSumBoxes(QHBoxLayout& row);
   void UpdateView();
   void Press(int handle);
   void Drag(int handle, double hz, double db, Qt::KeyboardModifiers keys);
