@@ -1,8 +1,8 @@
 // Takes the screenshots of docs/screenshots: the real windows on a real X server (Xvfb), driven as
 // a user would drive them, grabbed from the screen.
 //   xvfb-run -s "-screen 0 1280x900x24" ./build/dev/tools/talvex-screenshots OUT_FOLDER 96dpi
-//   QT_ENABLE_HIGHDPI_SCALING=0 QT_FONT_DPI=120 \
-//     xvfb-run -s "-screen 0 1600x1000x24" ./build/dev/tools/talvex-screenshots OUT_FOLDER 120dpi
+//   QT_ENABLE_HIGHDPI_SCALING=0 QT_FONT_DPI=120 xvfb-run -s "-screen 0 1600x1000x24"
+//     ./build/dev/tools/talvex-screenshots OUT_FOLDER 120dpi
 // (the screens the shots in docs/screenshots were taken on).
 #include <QApplication>
 #include <QCheckBox>

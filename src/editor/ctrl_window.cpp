@@ -78,7 +78,10 @@ CtrlWindow::CtrlWindow(int deviceId, int slot, params::DeviceParams& device,
   outer->addWidget(scroll);
 
   connect(chain_, &SignalChain::channelSelected, this, &CtrlWindow::SelectChannel);
-  connect(&page_->EditorLockBox(), &QCheckBox::clicked, this, &CtrlWindow::UpdateActions);
+  connect(&page_->EditorLockBox(), &QCheckBox::clicked, this, [this] {
+    UpdateActions();
+    UpdateGraph();  // a locked editor offers no handles
+  });
   commands_ = std::make_unique<CommandContext>(CommandContext{
       *this, model_, device, *link_, dialogs,
       [this](const std::string& caption) { setWindowTitle(QString::fromStdString(caption)); },
@@ -162,6 +165,7 @@ void CtrlWindow::SetJobRunning(bool running) {
   model_.SetInputSuppressed(jobsRunning_ > 0);
   page_->setEnabled(jobsRunning_ == 0);
   UpdateActions();
+  UpdateGraph();  // nor while a job runs
 }
 
 QWidget* CtrlWindow::BuildTabs() {

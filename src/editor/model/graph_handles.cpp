@@ -61,6 +61,7 @@ ParamRef BandRef(ParamKind kind, const GraphHandle& handle) {
 
 std::vector<GraphHandle> GraphHandles(const DeviceEditor& editor) {
   std::vector<GraphHandle> handles;
+  if (!editor.EditsEnabled() || editor.InputSuppressed()) return handles;
   AddBands(editor, editor.SelectedChannel(), handles);
   AddCorners(editor, editor.SelectedChannel(), handles);
   return handles;

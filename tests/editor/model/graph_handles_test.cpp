@@ -152,10 +152,15 @@ TEST_F(GraphHandlesTest, shouldStepTheQWithTheWheelWithinTheBellWidths) {
   editor_->Choose({ParamKind::EqType, 0, 1}, 0);  // a shelf
   const std::size_t before = link_.frames.size();
   EXPECT_FALSE(StepBandQ(*editor_, HandleOf(1), 1).Applied());
+  const GraphHandle first = HandleOf(0);
   editor_->SetEditorLock(true);
-  EXPECT_FALSE(StepBandQ(*editor_, HandleOf(0), -1).Applied());
-  EXPECT_FALSE(HandleDrag(*editor_, HandleOf(0)).MoveTo(5000, 3).Applied());
+  EXPECT_TRUE(GraphHandles(*editor_).empty());
+  EXPECT_FALSE(StepBandQ(*editor_, first, -1).Applied());
+  EXPECT_FALSE(HandleDrag(*editor_, first).MoveTo(5000, 3).Applied());
   EXPECT_EQ(link_.frames.size(), before);
+  editor_->SetEditorLock(false);
+  editor_->SetInputSuppressed(true);  // a preset being sent
+  EXPECT_TRUE(GraphHandles(*editor_).empty());
 }
 
 }  // namespace
