@@ -29,6 +29,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMdiSubWindow>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
@@ -37,6 +38,7 @@
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
+#include <QWheelEvent>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -48,6 +50,7 @@
 #include "app/main_window.h"
 #include "editor/toolbar_commands.h"
 #include "editor/widgets/channel_page.h"
+#include "editor/widgets/response_graph.h"
 #include "link/line.h"
 
 namespace {
@@ -211,8 +214,9 @@ class Driver {
   std::string Choose() {
     if (OpenDialog() && Chance(0.85)) return "dialog";
     static const std::vector<std::pair<const char*, int>> kMix = {
-        {"type", 30}, {"slider", 12},    {"choice", 10},  {"tab", 5},    {"toolbar", 14},
-        {"close", 3}, {"disconnect", 2}, {"connect", 10}, {"vanish", 2}, {"pause", 8},
+        {"type", 30},    {"slider", 12}, {"choice", 10}, {"tab", 5},
+        {"toolbar", 14}, {"drag", 8},    {"close", 3},   {"disconnect", 2},
+        {"connect", 10}, {"vanish", 2},  {"pause", 8},
     };
     int total = 0;
     for (const auto& [name, weight] : kMix)
@@ -234,6 +238,7 @@ class Driver {
     if (!editor) return Connect();
     if (kind == "type") return TypeInto(*editor);
     if (kind == "slider") return MoveSlider(*editor);
+    if (kind == "drag") return DragOnGraph(*editor);
     if (kind == "choice") return Choice(*editor);
     if (kind == "tab") return editor->Tabs().setCurrentIndex(Uniform(0, params::kChannelCount - 1));
     if (kind == "toolbar") return Toolbar(*editor);
@@ -310,6 +315,43 @@ class Driver {
     control->setFocus();
     for (int press = Uniform(1, 4); press > 0; --press)
       QTest::keyClick(control, kKeys[Uniform(0, 5)]);
+  }
+
+  // A handle of the selected channel dragged across the plot with the mouse (Shift or Ctrl held
+  // now and then), or the wheel turned over it to step its Q.
+  void DragOnGraph(editor::CtrlWindow& editor) {
+    editor::ResponseGraph& graph = editor.Graph();
+    if (graph.Handles().empty()) return;
+    const int handle = Uniform(0, static_cast<int>(graph.Handles().size()) - 1);
+    detail = graph.Handles()[static_cast<std::size_t>(handle)].text.toStdString();
+    const QPointF from = graph.HandleCentre(handle);
+    if (Chance(0.2)) {
+      QWheelEvent wheel(from, graph.mapToGlobal(from), {}, {0, Chance(0.5) ? 120 : -120},
+                        Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+      QApplication::sendEvent(&graph, &wheel);
+      return;
+    }
+    const QRectF plot = graph.PlotRect();
+    const QPointF to(plot.left() + plot.width() * Uniform(0, 100) / 100.0,
+                     plot.top() + plot.height() * Uniform(0, 100) / 100.0);
+    const Qt::KeyboardModifiers held = Chance(0.15)   ? Qt::ShiftModifier
+                                       : Chance(0.15) ? Qt::ControlModifier
+                                                      : Qt::NoModifier;
+    const auto mouse = [&](QEvent::Type type, QPointF at) {
+      const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+      const Qt::MouseButtons buttons =
+          type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::MouseButtons(Qt::LeftButton);
+      QMouseEvent event(type, at, graph.mapToGlobal(at), button, buttons, held);
+      QApplication::sendEvent(&graph, &event);
+    };
+    mouse(QEvent::MouseButtonPress, from);
+    const int moves = Uniform(2, 12);
+    for (int i = 1; i <= moves; ++i) {
+      mouse(QEvent::MouseMove, from + (to - from) * i / moves);
+      Pause(Uniform(1, 8));
+      if (!window_.Slots().SlotOfDevice(editor.DeviceId())) return;  // closed under the drag
+    }
+    mouse(QEvent::MouseButtonRelease, to);
   }
 
   void Choice(editor::CtrlWindow& editor) {
