@@ -101,7 +101,11 @@ CtrlWindow::CtrlWindow(int deviceId, int slot, params::DeviceParams& device,
   meterTimer_->start(kMeterIntervalMs);
 }
 
-CtrlWindow::~CtrlWindow() = default;
+// The panels work on the model, a member: they go first (QWidget would delete its children only
+// after the members, and a drag ending in its destructor would reach a model already gone).
+CtrlWindow::~CtrlWindow() {
+  qDeleteAll(findChildren<QWidget*>(Qt::FindDirectChildrenOnly));
+}
 
 // The twelve window commands in their order; each shortcut works anywhere in this editor (the
 // editors share one frame window, so a window-wide shortcut would be ambiguous).

@@ -116,5 +116,19 @@ TEST_F(GraphDragTest, shouldEndWithTheDeviceHoldingTheDraggedBandAndCorner) {
   EXPECT_TRUE(app_.dialogs.shown.empty());
 }
 
+// The editor closed while the mouse still holds a handle (its device was disconnected, or the
+// user closed it by the keyboard): the drag ends with the window, which sends nothing more.
+TEST_F(GraphDragTest, shouldCloseCleanlyUnderADrag) {
+  Mouse(QEvent::MouseButtonPress, At(1000, 0));
+  Mouse(QEvent::MouseMove, At(2000, 6));
+  app_.Settle();
+  const int frames = app_.simulator->Device(0).FramesHandled();
+  window_->CloseWithoutAsking();
+  app_.Settle();
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  EXPECT_FALSE(app_.window->Slots().SlotOfDevice(0));
+  EXPECT_EQ(app_.simulator->Device(0).FramesHandled(), frames);
+}
+
 }  // namespace
 }  // namespace talvex::testing
