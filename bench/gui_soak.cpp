@@ -30,6 +30,7 @@
 #include <QListWidget>
 #include <QMdiSubWindow>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
@@ -344,14 +345,16 @@ class Driver {
       QMouseEvent event(type, at, graph.mapToGlobal(at), button, buttons, held);
       QApplication::sendEvent(&graph, &event);
     };
+    // The editor can close under the drag (its device lost while the events run): the drag
+    // ends with it.
+    const QPointer<editor::ResponseGraph> alive(&graph);
     mouse(QEvent::MouseButtonPress, from);
     const int moves = Uniform(2, 12);
-    for (int i = 1; i <= moves; ++i) {
+    for (int i = 1; i <= moves && alive; ++i) {
       mouse(QEvent::MouseMove, from + (to - from) * i / moves);
       Pause(Uniform(1, 8));
-      if (!window_.Slots().SlotOfDevice(editor.DeviceId())) return;  // closed under the drag
     }
-    mouse(QEvent::MouseButtonRelease, to);
+    if (alive) mouse(QEvent::MouseButtonRelease, to);
   }
 
   void Choice(editor::CtrlWindow& editor) {
