@@ -18,6 +18,8 @@
 #include <vector>
 
 #include "editor/model/controls.h"
+#include "editor/model/edit_history.h"
+#include "editor/model/edit_operation.h"
 #include "editor/model/entry_keys.h"
 #include "graph/response_tables.h"
 #include "presets/channel_names.h"
@@ -150,6 +152,18 @@ class DeviceEditor final : public presets::PresetView {
   EditOutcome Choose(const params::ParamRef& ref, int choice);
   // "Flat Eq".
   EditOutcome FlattenEq(int channel);
+  // Every edit of the user comes here: run on the edit path, recorded in the history, and told
+  // to OnEdited (a device group runs it again on its other devices).
+  EditOutcome Perform(const EditOperation& operation);
+  // An edit that puts back a recorded value (undo, redo, a group's undo): on the edit path like
+  // any other, neither recorded nor told.
+  EditOutcome Restore(const EditOperation& operation);
+  EditHistory& History() { return history_; }
+  const EditHistory& History() const { return history_; }
+  // Told after each edit of the user that changed something, with the tag of its history step.
+  void OnEdited(std::function<void(const EditOperation&, const EditOutcome&, int tag)> edited) {
+    edited_ = std::move(edited);
+  }
   // What a control shows now.
   params::ShownParam Show(const params::ParamRef& ref) const;
   // Whether the parameter means anything as the device stands: a shelf has no Q.
@@ -228,6 +242,8 @@ class DeviceEditor final : public presets::PresetView {
   bool curvesStale_ = false;
   std::array<std::string, params::kInputCount> inputNames_;
   std::function<void(std::span<const params::ParamRef>)> changed_;
+  EditHistory history_;
+  std::function<void(const EditOperation&, const EditOutcome&, int tag)> edited_;
 };
 
 }  // namespace talvex::editor
