@@ -169,7 +169,7 @@ void CtrlWindow::RunTool(const std::function<void(CommandContext&)>& tool) {
 }
 
 void CtrlWindow::SetGroups(DeviceGroups& groups) {
-  memory_->SetGroups(&groups);
+  groups.Attach(*memory_);
 }
 
 // The caption the system gives the editor, then its group: "ID:3 - Type: 6 WAY XOVER -

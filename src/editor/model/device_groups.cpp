@@ -21,8 +21,19 @@ class Spreading {
 }  // namespace
 
 DeviceGroups::~DeviceGroups() {
-  for (const auto& [member, group] : groupOf_)
-    member->SetGroups(nullptr);
+  for (SettingsMemory* memory : attached_)
+    memory->groups_ = nullptr;
+}
+
+void DeviceGroups::Attach(SettingsMemory& memory) {
+  attached_.insert(&memory);
+  memory.groups_ = this;
+}
+
+void DeviceGroups::Detach(SettingsMemory& memory) {
+  Leave(memory);
+  attached_.erase(&memory);
+  memory.groups_ = nullptr;
 }
 
 int DeviceGroups::Start(SettingsMemory& member) {
@@ -37,7 +48,7 @@ int DeviceGroups::Start(SettingsMemory& member) {
 void DeviceGroups::Join(int group, SettingsMemory& member) {
   const int before = GroupOf(member);
   groupOf_[&member] = group;
-  member.SetGroups(this);
+  Attach(member);
   Notify({before, group});
 }
 

@@ -10,6 +10,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -20,7 +21,10 @@ namespace talvex::editor {
 class DeviceGroups {
  public:
   DeviceGroups() = default;
-  ~DeviceGroups();  // every member is let go
+  ~DeviceGroups();  // every editor that knows the groups forgets them
+  // An editor that may join groups (it keeps a pointer to them until it goes, Detach).
+  void Attach(SettingsMemory& memory);
+  void Detach(SettingsMemory& memory);
   DeviceGroups(const DeviceGroups&) = delete;
   DeviceGroups& operator=(const DeviceGroups&) = delete;
 
@@ -48,6 +52,7 @@ class DeviceGroups {
   void Notify(const std::vector<int>& groups) const;
 
   std::map<SettingsMemory*, int> groupOf_;
+  std::set<SettingsMemory*> attached_;
   bool spreading_ = false;  // a member's own edit or undo is not spread again
 };
 

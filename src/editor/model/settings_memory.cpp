@@ -50,7 +50,7 @@ SettingsMemory::SettingsMemory(DeviceEditor& model, params::DeviceParams& device
 }
 
 SettingsMemory::~SettingsMemory() {
-  if (groups_) groups_->Leave(*this);
+  if (groups_) groups_->Detach(*this);
   model_.OnEdited({});
   model_.History().OnChanged({});
 }

@@ -72,8 +72,8 @@ class SettingsMemory {
   // Forgets the history, saying why (the device was disconnected, a backup was restored).
   void ClearHistory(std::string reason);
 
-  // The program's device groups; the editor leaves its group when it goes.
-  void SetGroups(DeviceGroups* groups) { groups_ = groups; }
+  // The program's device groups (DeviceGroups::Attach); the editor leaves its group when it
+  // goes.
   DeviceGroups* Groups() const { return groups_; }
 
   // The window's hooks: a job of this memory began (true) or ended; a line for the status bar;
