@@ -35,6 +35,7 @@ class SettingsMemoryTest : public ::testing::Test {
   static constexpr int kId = 4;
 
   void Open(const params::DeviceParams& setting) {
+    memory_.reset();  // it works on the editor, which goes first
     device_ = setting;
     link_.Push(setting);
     editor_ = std::make_unique<DeviceEditor>(kId, device_, params::DecimalMark::Point, link_);
