@@ -94,8 +94,7 @@ void SwitchBetween(benchmark::State& state, const params::DeviceParams& a,
       const auto start = std::chrono::steady_clock::now();
       if (presets::SendSettingsSwitch(paced.link, 0, *plan).end != presets::ListEnd::Completed)
         state.SkipWithError("switch failed");
-      seconds +=
-          std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+      seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
       ++switches;
     }
   }

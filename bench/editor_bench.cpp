@@ -7,11 +7,15 @@
 //  - sweep: a 3-second mouse drag of that slider over a line paced at 9600 baud, one position
 //    every 16 ms, then the release: the frames sent, and the time from the release until the
 //    device holds the final value;
-//  - memory: the resident size of the program idle, and with 11 editors open.
+//  - memory: the resident size of the program idle, and with 11 editors open;
+//  - abswitch: the Edit menu's A/B switch over a line paced at 9600 baud, from the menu entry
+//    until the editor has taken the end of the switch's job, for one band changed and for a
+//    whole other preset.
 // Every device holds a preset on which every band, crossover filter and delay works, so each
 // curve is computed for real. Prints medians (and the worst where a frame is at stake).
-//   editor_bench [REPETITIONS] [open|step|sweep|memory]
+//   editor_bench [REPETITIONS] [open|step|sweep|memory|abswitch]
 #include <QApplication>
+#include <QLabel>
 #include <QMdiSubWindow>
 #include <QMouseEvent>
 #include <QStyle>
@@ -32,8 +36,10 @@
 
 #include "app/editor_link.h"
 #include "app/main_window.h"
+#include "editor/editor_menus.h"
 #include "editor/widgets/channel_page.h"
 #include "editor/widgets/response_graph.h"
+#include "editor/widgets/status_line.h"
 #include "params/param_edit.h"
 #include "whole_run.h"
 
@@ -587,6 +593,64 @@ void BenchMemory() {
               open.nowMiB, open.peakMiB);
 }
 
+// ---- A/B switch --------------------------------------------------------------------------------
+
+// The switch as a user makes it: the menu entry, then the editor's loop until the job's end has
+// come back (the status line gives the switch's line time). Milliseconds, and what it said.
+std::pair<double, std::string> TimedSwitch(editor::CtrlWindow& editor) {
+  QLabel& said = editor.Status().Message();
+  said.clear();
+  const auto start = Clock::now();
+  editor.Menus().Action(editor::EditorAction::SwitchSide).trigger();
+  WaitFor([&] { return said.text().contains("full push"); }, 30000);
+  return {Ms(Clock::now() - start), said.text().toStdString()};
+}
+
+void ReportSwitches(const char* what, editor::CtrlWindow& editor, int repetitions) {
+  std::vector<double> times;
+  std::string said;
+  for (int i = 0; i < repetitions; ++i) {
+    const auto [ms, text] = TimedSwitch(editor);
+    times.push_back(ms);
+    said = text;
+    RunEventLoopFor(50);
+  }
+  std::printf("A/B switch, %s, at 9600 baud, menu to end: median %.1f ms, worst %.1f ms\n", what,
+              Median(times), Worst(times));
+  std::printf("  the editor said: %s\n", said.c_str());
+}
+
+void BenchAbSwitch(int repetitions) {
+  GraphPaints paints;
+  Program program("sim:0@9600", app::SearchMode::SingleDevice);
+  program.Connect(0, paints);
+  program.Settle();
+  editor::CtrlWindow& editor = *program.EditorOf(0);
+  editor::DeviceEditor& model = editor.Model();
+  editor::SettingsMemory& memory = editor.Memory();
+  memory.CopyAToB();
+  memory.SwitchSide();  // B, a copy of A: nothing differs
+  program.Settle();
+  model.Commit({ParamKind::EqGain, kOut3, params::GlobalBand(kOut3, kSweepBandInChannel)}, "9");
+  program.Settle();
+  ReportSwitches("one band changed (goal 60 ms)", editor, repetitions);
+  if (memory.Side() == 0) memory.SwitchSide();
+  program.Settle();
+  // B becomes a whole other preset: every band flat, no delay, every level and crossover moved.
+  for (int channel = 0; channel < params::kChannelCount; ++channel) {
+    model.FlattenEq(channel);
+    model.Move({ParamKind::Delay, channel, 0}, 0);
+    model.Commit({ParamKind::Level, channel, 0}, "-3");
+    if (channel >= params::kInputCount) {
+      model.Choose({ParamKind::HighPassType, channel, 0}, 0);
+      model.Choose({ParamKind::LowPassType, channel, 0}, 0);
+    }
+  }
+  program.Settle();
+  ReportSwitches("a whole other preset", editor, std::max(2, repetitions / 4));
+  Check(program.Dialogs().messages == 0, "a message was shown");
+}
+
 }  // namespace
 
 int main(int argc, char* argv[]) {
@@ -602,6 +666,7 @@ int main(int argc, char* argv[]) {
     if (wanted("open")) BenchOpen(repetitions);
     if (wanted("step") || wanted("sweep"))
       BenchStepAndSweep(repetitions, wanted("step"), wanted("sweep"));
+    if (wanted("abswitch")) BenchAbSwitch(repetitions);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "editor_bench: %s\n", error.what());
     return 1;

@@ -77,7 +77,7 @@ TEST_F(EditorToolsTest, shouldImportAFilterTextAfterItsReportAndExportIt) {
     ASSERT_EQ(report->Report().count(), static_cast<int>(plan.notes.size()));
     EXPECT_EQ(report->Report().item(1)->text().toStdString(),
               "rounded: " + params::DescribeNote(plan.notes[1]));
-    EXPECT_EQ(report->Summary().text().toStdString(), params::EqPlanSummary(plan));
+    EXPECT_EQ(report->Summary().text().toStdString(), "Out 1: " + params::EqPlanSummary(plan));
     EXPECT_EQ(CountFrames(app, 0).total, before.total);
     EXPECT_TRUE(editor.CommandBusy());
     (send ? report->SendButton() : report->CancelButton()).click();

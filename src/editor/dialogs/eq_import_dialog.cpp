@@ -37,8 +37,12 @@ EqImportDialog::EqImportDialog(CommandContext& context, params::EqImportPlan pla
     report_->addItem(
         QtText(std::string(params::NoteKindWord(note.kind)) + ": " + params::DescribeNote(note)));
   if (plan_.notes.empty()) report_->addItem("Every filter fits as written.");
-  report_->setMinimumWidth(report_->fontMetrics().averageCharWidth() * 72);
-  summary_->setText(QtText(params::EqPlanSummary(plan_)));
+  // Each note whole, wrapped: a report read sideways is a report half read.
+  report_->setWordWrap(true);
+  report_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  report_->setMinimumSize(report_->fontMetrics().averageCharWidth() * 90,
+                          report_->fontMetrics().lineSpacing() * 12);
+  summary_->setText(QtText(ChannelCaption(plan_.channel) + ": " + params::EqPlanSummary(plan_)));
   summary_->setWordWrap(true);
   summary_->setAccessibleName("Import summary");
   send_->setAccessibleName("Send");

@@ -10,6 +10,8 @@ namespace talvex::editor {
 
 namespace {
 
+constexpr int kLongestPart = 48;  // characters of a file's or a slot's part
+
 QLabel* Part(const QString& name) {
   auto* label = new QLabel;
   label->setAccessibleName(name);
@@ -41,16 +43,27 @@ StatusLine::StatusLine(QWidget* parent)
   layout->addWidget(slot_);
   layout->addWidget(Separator());
   layout->addWidget(message_, 1);
+  // The message takes what room is left and is cut at the window's edge rather than widening
+  // the editor; the whole of it is in the tooltip.
+  message_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
 }
 
 void StatusLine::ShowState(const SettingsMemory& memory) {
   side_->setText(QString::fromStdString(memory.SideText()));
-  file_->setText(QString::fromStdString(memory.FileText()));
-  slot_->setText(QString::fromStdString(memory.SlotText()));
+  Show(*file_, QString::fromStdString(memory.FileText()));
+  Show(*slot_, QString::fromStdString(memory.SlotText()));
 }
 
 void StatusLine::ShowMessage(const QString& text) {
-  message_->setText(text);
+  Show(*message_, text);
+}
+
+// A long file or slot name is elided in the middle; the tooltip has it whole.
+void StatusLine::Show(QLabel& part, const QString& text) {
+  const int room = part.fontMetrics().averageCharWidth() * kLongestPart;
+  part.setText(&part == message_ ? text
+                                 : part.fontMetrics().elidedText(text, Qt::ElideMiddle, room));
+  part.setToolTip(text);
 }
 
 }  // namespace talvex::editor

@@ -25,6 +25,8 @@ class StatusLine final : public QWidget {
   QLabel& Message() const { return *message_; }
 
  private:
+  void Show(QLabel& part, const QString& text);
+
   QLabel* side_;
   QLabel* file_;
   QLabel* slot_;
