@@ -173,8 +173,7 @@ void ExportEqualiser(CommandContext& context, int channel) {
     if (!error.empty()) {
       context.dialogs.ShowMessage(kExportEqTitle, error, DialogIcon::Warning);
     } else {
-      context.memory.status(ChannelCaption(channel) + "'s equaliser written to " +
-                            FileTitle(*path));
+      context.memory.Tell(ChannelCaption(channel) + "'s equaliser written to " + FileTitle(*path));
     }
   }
   context.finished();

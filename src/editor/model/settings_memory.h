@@ -71,6 +71,8 @@ class SettingsMemory {
 
   // Forgets the history, saying why (the device was disconnected, a backup was restored).
   void ClearHistory(std::string reason);
+  // A line for the status bars (through `status`).
+  void Tell(const std::string& text) const;
 
   // The program's device groups (DeviceGroups::Attach); the editor leaves its group when it
   // goes.
@@ -94,7 +96,6 @@ class SettingsMemory {
   // changed) when either holds a byte no sender takes.
   bool ReplaceSetting(const params::DeviceParams& target, const std::string& what);
   void Edited(const EditOperation& operation, const EditOutcome& outcome, int tag);
-  void Tell(const std::string& text) const;
   void Changed() const;
 
   DeviceEditor& model_;
