@@ -7,14 +7,18 @@
 //  - sweep: a 3-second mouse drag of that slider over a line paced at 9600 baud, one position
 //    every 16 ms, then the release: the frames sent, and the time from the release until the
 //    device holds the final value;
+//  - drag: a band's handle dragged on the graph with the mouse, one 0.5 dB position a move, the
+//    acoustic sum of two outputs and the cursor shown, from each move until the graph has
+//    painted;
 //  - memory: the resident size of the program idle, and with 11 editors open;
 //  - abswitch: the Edit menu's A/B switch over a line paced at 9600 baud, from the menu entry
 //    until the editor has taken the end of the switch's job, for one band changed and for a
 //    whole other preset.
 // Every device holds a preset on which every band, crossover filter and delay works, so each
 // curve is computed for real. Prints medians (and the worst where a frame is at stake).
-//   editor_bench [REPETITIONS] [open|step|sweep|memory|abswitch]
+//   editor_bench [REPETITIONS] [open|step|sweep|drag|memory|abswitch]
 #include <QApplication>
+#include <QCheckBox>
 #include <QLabel>
 #include <QMdiSubWindow>
 #include <QMouseEvent>
@@ -38,6 +42,7 @@
 #include "app/main_window.h"
 #include "editor/editor_menus.h"
 #include "editor/widgets/channel_page.h"
+#include "editor/widgets/graph_panel.h"
 #include "editor/widgets/response_graph.h"
 #include "editor/widgets/status_line.h"
 #include "params/param_edit.h"
@@ -550,6 +555,64 @@ void BenchStepAndSweep(int repetitions, bool step, bool sweep) {
       Median(positions), Median(bandFrames), Median(meterFrames), missed);
 }
 
+// ---- drag -------------------------------------------------------------------------------------
+
+// Out 3 "EQ 3" dragged up and down its gain, a snapped position (0.5 dB) each move, as a mouse
+// moving a frame at 60 Hz: each move from the event until the graph has painted, with the
+// whole sum of Out 1 and Out 3 and the cursor shown.
+void BenchDrag(Program& program, GraphPaints& paints, int steps) {
+  editor::CtrlWindow& editor = *program.EditorOf(0);
+  editor.SelectChannel(kOut3);
+  editor.GraphArea().SumBox(0).setChecked(true);
+  editor.GraphArea().SumBox(2).setChecked(true);
+  editor.SetCursorShown(true);
+  program.Settle();
+  editor::ResponseGraph& graph = editor.Graph();
+  const auto send = [&](QEvent::Type type, QPointF at) {
+    const Qt::MouseButtons held =
+        type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::MouseButtons(Qt::LeftButton);
+    QMouseEvent event(type, at, graph.mapToGlobal(at),
+                      type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, held,
+                      Qt::NoModifier);
+    QApplication::sendEvent(&graph, &event);
+  };
+  const plot::HandleMark start = graph.Handles().at(kSweepBandInChannel).mark;
+  const auto at = [&](double db) {
+    const graph::PlotMapping mapping = graph.Mapping();
+    return QPointF(graph.PlotRect().topLeft()) +
+           QPointF(mapping.XOf(start.hz), mapping.MagnitudeY(db));
+  };
+  send(QEvent::MouseButtonPress, at(start.db));
+  Check(graph.Curves().ShowsSum(), "no sum shown");
+  std::vector<double> times;
+  double db = start.db;
+  double step = 0.5;
+  while (static_cast<int>(times.size()) < steps) {
+    if (db + step > 12 || db + step < -12) step = -step;
+    db += step;
+    const int painted = paints.Of(graph);
+    const auto begin = Clock::now();
+    send(QEvent::MouseMove, at(db));
+    WaitFor([&] { return paints.Of(graph) > painted; }, 2000);
+    times.push_back(Ms(Clock::now() - begin));
+    RunEventLoopFor(kDragIntervalMs);
+  }
+  send(QEvent::MouseButtonRelease, at(db));
+  Check(program.Dialogs().messages == 0, "a message was shown");
+  std::printf(
+      "graph drag step to repainted graph, sum shown: median %.2f ms, worst %.2f ms"
+      " (goal 8 ms median; %d moves)\n",
+      Median(times), Worst(times), steps);
+}
+
+void BenchDragOnPacedLine(int repetitions) {
+  GraphPaints paints;
+  Program program("sim:0@9600", app::SearchMode::SingleDevice);
+  program.Connect(0, paints);
+  CheckCurvesHaveShape(*program.EditorOf(0));
+  BenchDrag(program, paints, 40 * repetitions);
+}
+
 // ---- memory -----------------------------------------------------------------------------------
 
 struct Resident {
@@ -680,6 +743,7 @@ int main(int argc, char* argv[]) {
     if (wanted("open")) BenchOpen(repetitions);
     if (wanted("step") || wanted("sweep"))
       BenchStepAndSweep(repetitions, wanted("step"), wanted("sweep"));
+    if (wanted("drag")) BenchDragOnPacedLine(repetitions);
     if (wanted("abswitch")) BenchAbSwitch(repetitions);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "editor_bench: %s\n", error.what());

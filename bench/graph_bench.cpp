@@ -3,9 +3,11 @@
 // window opens or a preset is applied. Every element is non-flat, so no pass is skipped.
 #include <benchmark/benchmark.h>
 
+#include <array>
 #include <memory>
 
 #include "busy_settings.h"
+#include "graph/output_response.h"
 #include "graph/response_tables.h"
 
 namespace talvex::graph {
@@ -61,6 +63,45 @@ void BM_WholeEditorFactoryPreset(benchmark::State& state) {
   }
 }
 
+// What the editor recomputes after an edit while outputs are drawn as whole outputs and a sum
+// is shown: the six whole outputs from their inputs, and the acoustic sum of two of them.
+void WholeOutputsAndSum(const ResponseTables& tables, const ResponseSettings& settings,
+                        std::array<ResponseCurves, kOutputCount>& wholes, ResponseCurves& sum) {
+  for (int output = 0; output < kOutputCount; ++output)
+    ComputeWholeOutput(tables, settings, output + 2, wholes[static_cast<std::size_t>(output)]);
+  const ResponseCurves* parts[] = {&wholes[0], &wholes[2]};  // Out 1 and Out 3
+  ComputeAcousticSum(parts, sum);
+}
+
+void BM_WholeOutputsAndTwoWaySum(benchmark::State& state) {
+  const ResponseSettings settings = BusySettings();
+  const auto tables = std::make_unique<ResponseTables>();
+  tables->ComputeAll(settings);
+  auto wholes = std::make_unique<std::array<ResponseCurves, kOutputCount>>();
+  auto sum = std::make_unique<ResponseCurves>();
+  for (auto _ : state) {
+    WholeOutputsAndSum(*tables, settings, *wholes, *sum);
+    benchmark::DoNotOptimize(sum->phase[0]);
+  }
+}
+
+// One step of a band dragged on the graph with the sum shown: the band, its channel's sums, the
+// whole outputs and the sum.
+void BM_DraggedBandWithWholeOutputsAndSum(benchmark::State& state) {
+  const ResponseSettings settings = BusySettings();
+  const auto tables = std::make_unique<ResponseTables>();
+  tables->ComputeAll(settings);
+  auto wholes = std::make_unique<std::array<ResponseCurves, kOutputCount>>();
+  auto sum = std::make_unique<ResponseCurves>();
+  for (auto _ : state) {
+    tables->ComputeEqBandResponse(settings, 26);  // Out 3 "EQ 3", a bell
+    WholeOutputsAndSum(*tables, settings, *wholes, *sum);
+    benchmark::DoNotOptimize(sum->phase[0]);
+  }
+}
+
+BENCHMARK(BM_WholeOutputsAndTwoWaySum)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_DraggedBandWithWholeOutputsAndSum)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_OneBellBandWithChannelSums)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_OneShelfBandWithChannelSums)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_OneCrossoverFilterWithChannelSums)->Unit(benchmark::kMicrosecond);

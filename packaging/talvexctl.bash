@@ -25,7 +25,7 @@ _talvexctl() {
       COMPREPLY=($(compgen -W "$(_talvexctl_words channels)" -- "$cur"))
       return ;;
     --part)
-      COMPREPLY=($(compgen -W "hp lp delay eq1 eq2 eq3 eq4 eq5 eq6 eq7" -- "$cur"))
+      COMPREPLY=($(compgen -W "hp lp delay whole eq1 eq2 eq3 eq4 eq5 eq6 eq7" -- "$cur"))
       return ;;
   esac
   if [[ $cur == -* ]]; then
@@ -56,7 +56,14 @@ _talvexctl() {
       COMPREPLY=($(compgen -W "$(_talvexctl_words channels | sed 's/$/=/')" -- "$cur"))
       compopt -o nospace 2>/dev/null ;;
     response)
-      COMPREPLY=($(compgen -W "--channel --part" -- "$cur")) ;;
+      COMPREPLY=($(compgen -W "--channel --part --sum" -- "$cur")) ;;
+    plot)
+      if [[ $cur == -* ]]; then
+        COMPREPLY=($(compgen -W "--channel --whole --sum --cursor --hz --db --dpi" -- "$cur"))
+      else
+        COMPREPLY=($(compgen -f -X '!*.@(png|svg|csv)' -- "$cur") $(compgen -d -S / -- "$cur"))
+        compopt -o nospace 2>/dev/null
+      fi ;;
     words)
       ((position == 0)) && COMPREPLY=($(compgen -W "commands params channels" -- "$cur")) ;;
     type)

@@ -40,7 +40,50 @@ class ProgressTap final : public link::LinkObserver {
   editor::DeviceJob::Progress progress_;
 };
 
+// Travels with a long job to the worker. A job whose editor closed before it began sends
+// nothing; one that never began (skipped so, or dropped because its device was lost or
+// unconnected) tells the user so once, when it says what it was: a store or a file's transfer
+// must not seem done when it is not.
+class JobTicket {
+ public:
+  JobTicket(Session& session, std::shared_ptr<std::atomic<bool>> closed, std::string title,
+            std::string text)
+      : session_(session),
+        closed_(std::move(closed)),
+        title_(std::move(title)),
+        text_(std::move(text)) {}
+  ~JobTicket() {
+    if (began_ || title_.empty()) return;
+    QMetaObject::invokeMethod(
+        &session_,
+        [session = &session_, title = title_, text = text_] {
+          session->Dialogs().ShowMessage(title, text, editor::DialogIcon::Warning);
+        },
+        Qt::QueuedConnection);
+  }
+  JobTicket(const JobTicket&) = delete;
+  JobTicket& operator=(const JobTicket&) = delete;
+
+  // On the worker thread, as the job starts: false when its editor has closed.
+  bool Begin() {
+    began_ = !closed_->load();
+    return began_;
+  }
+
+ private:
+  Session& session_;
+  std::shared_ptr<std::atomic<bool>> closed_;
+  std::string title_;
+  std::string text_;
+  bool began_ = false;
+};
+
 }  // namespace
+
+SessionEditorLink::~SessionEditorLink() {
+  *alive_ = false;
+  *closed_ = true;
+}
 
 void SessionEditorLink::Send(std::span<const params::ParamEdit> edits) {
   for (const params::ParamEdit& edit : edits) {
@@ -48,7 +91,9 @@ void SessionEditorLink::Send(std::span<const params::ParamEdit> edits) {
     const protocol::Command command = edit.command;
     session_.Submit(
         id, protocol::ParameterKey(command),
-        [id, command](link::Link& link) { return link.SendCommand(id, command); },
+        [id, command, closed = closed_](link::Link& link) {
+          return *closed ? link::SendResult::Skipped : link.SendCommand(id, command);
+        },
         [](link::SendResult) {});  // a final failure comes back through the link's report
   }
 }
@@ -58,7 +103,10 @@ void SessionEditorLink::PollMeters(std::function<void(const MeterLevels&)> done)
   *meterPending_ = true;
   const int id = deviceId_;
   session_.Submit(
-      id, {}, [id](link::Link& link) { return presets::ReadMeters(link, id); },
+      id, {},
+      [id, closed = closed_](link::Link& link) {
+        return *closed ? std::nullopt : presets::ReadMeters(link, id);
+      },
       [pending = meterPending_, done = std::move(done)](std::optional<presets::MeterLevels> read) {
         *pending = false;
         if (!read) return;
@@ -81,9 +129,12 @@ void SessionEditorLink::RunJob(editor::DeviceJob job) {
         },
         Qt::QueuedConnection);
   };
+  auto ticket = std::make_shared<JobTicket>(session_, closed_, std::move(job.unfinishedTitle),
+                                            std::move(job.unfinishedText));
   session_.Submit(
       deviceId_, {},
-      [work = std::move(job.work), post](link::Link& link) {
+      [work = std::move(job.work), post, ticket = std::move(ticket)](link::Link& link) {
+        if (!ticket->Begin()) return false;
         const ProgressTap tap(link, post);
         work(link, post);
         return true;

@@ -5,6 +5,7 @@
 // progress posted back to the interface thread.
 #pragma once
 
+#include <atomic>
 #include <memory>
 
 #include "app/session.h"
@@ -15,8 +16,12 @@ namespace talvex::app {
 class SessionEditorLink final : public editor::EditorLink {
  public:
   SessionEditorLink(Session& session, int deviceId) : session_(session), deviceId_(deviceId) {}
-  // Progress and ends of jobs that come back after this are dropped: the editor has gone.
-  ~SessionEditorLink() override { *alive_ = false; }
+  // Progress and ends of jobs that come back after this are dropped, and jobs that have not
+  // begun send nothing: the editor has gone, and so has the user's wish to talk to the device.
+  ~SessionEditorLink() override;
+  // The editor has closed (it is deleted a little later): from now on its jobs that have not
+  // begun send nothing, and what they would have changed on the device is told as not done.
+  void Close() { *closed_ = true; }
   SessionEditorLink(const SessionEditorLink&) = delete;
   SessionEditorLink& operator=(const SessionEditorLink&) = delete;
 
@@ -33,6 +38,8 @@ class SessionEditorLink final : public editor::EditorLink {
   std::shared_ptr<bool> meterPending_ = std::make_shared<bool>(false);
   // Read on the interface thread only, by what a job posts back.
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+  // Read by the jobs on the worker thread before they send anything.
+  std::shared_ptr<std::atomic<bool>> closed_ = std::make_shared<std::atomic<bool>>(false);
 };
 
 }  // namespace talvex::app

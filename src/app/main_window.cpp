@@ -8,7 +8,6 @@
 #include <QStatusBar>
 #include <QStyle>
 
-#include "app/editor_link.h"
 #include "app/theme.h"
 
 namespace talvex::app {
@@ -41,6 +40,7 @@ MainWindow::MainWindow(std::unique_ptr<Session> session, UserDialogs& dialogs, Q
   });
   connect(session_.get(), &Session::deviceLost, this, &MainWindow::CloseEditorOf);
   connect(session_.get(), &Session::fatalTimeOut, this, [this] { emit quitRequested(1); });
+  connect(session_.get(), &Session::portLost, this, &MainWindow::CloseEveryEditor);
   connect(session_.get(), &Session::portProblem, lineState_, &QLabel::setText);
   connect(session_.get(), &Session::busy, this, [this](const QString& text) {
     if (text.isEmpty()) {
@@ -59,6 +59,9 @@ MainWindow::~MainWindow() {
 
 void MainWindow::BuildMenus() {
   QMenu* file = menuBar()->addMenu("&File");
+  reopenPort_ = file->addAction("&Reopen port", this, &MainWindow::ReopenPort);
+  reopenPort_->setToolTip("Open the port again after its adapter was plugged back");
+  reopenPort_->setEnabled(false);  // once the start-up has opened it, outside demo mode
   file->addAction("E&xit", QKeySequence::Quit, this, &QWidget::close);
   QMenu* window = menuBar()->addMenu("&Window");
   window->addAction("&Devices", this, [this] {
@@ -103,6 +106,7 @@ void MainWindow::FinishStartup(StartupOutcome outcome) {
   }
   if (outcome == StartupOutcome::DemoMode)
     statusBar()->showMessage("Demo mode: nothing is sent to the devices");
+  reopenPort_->setEnabled(outcome == StartupOutcome::DevicesFound);
   deviceList_ = new DeviceListWindow(*session_);
   connect(deviceList_, &DeviceListWindow::connectRequested, this, &MainWindow::ConnectDevice);
   QMdiSubWindow* sub = area_->addSubWindow(deviceList_, Qt::SubWindow | Qt::WindowTitleHint);
@@ -147,10 +151,11 @@ void MainWindow::OpenEditor(int deviceId, int slot) {
     session_->ReportLinkErrors();
     errorsReported_ = true;
   }
-  auto* editor =
-      new editor::CtrlWindow(deviceId, slot, session_->Device(deviceId).params, session_->Mark(),
-                             std::make_unique<SessionEditorLink>(*session_, deviceId), dialogs_,
-                             [this, deviceId] { return MayCloseEditor(deviceId); });
+  auto link = std::make_unique<SessionEditorLink>(*session_, deviceId);
+  links_[static_cast<std::size_t>(slot)] = link.get();
+  auto* editor = new editor::CtrlWindow(deviceId, slot, session_->Device(deviceId).params,
+                                        session_->Mark(), std::move(link), dialogs_,
+                                        [this, deviceId] { return MayCloseEditor(deviceId); });
   connect(editor, &editor::CtrlWindow::closed, this, &MainWindow::EditorClosed);
   connect(editor, &editor::CtrlWindow::statusMessage, this,
           [this](const QString& text) { statusBar()->showMessage(text, kEditorMessageMs); });
@@ -186,9 +191,12 @@ bool MainWindow::MayCloseEditor(int deviceId) {
   return !editor || editor->MayLeave(title, false);
 }
 
+// The editor is deleted later; what it queued must not reach the device from now on.
 void MainWindow::EditorClosed(int slot) {
   slots_.Close(slot);
   editors_[static_cast<std::size_t>(slot)] = nullptr;
+  if (SessionEditorLink* link = std::exchange(links_[static_cast<std::size_t>(slot)], nullptr))
+    link->Close();
   if (deviceList_) deviceList_->Redraw();
 }
 
@@ -201,6 +209,30 @@ void MainWindow::CloseEditorOf(int deviceId) {
       }
     }
   }
+}
+
+// The port is gone: its message has been shown once; no editor can reach its device now.
+void MainWindow::CloseEveryEditor() {
+  for (int slot = 0; slot < kWindowSlotCount; ++slot)
+    if (editor::CtrlWindow* editor = Editor(slot)) CloseEditorOf(editor->DeviceId());
+  lineState_->setText(QString("Port %1 is gone").arg(QString::fromStdString(session_->PortName())));
+  if (deviceList_) deviceList_->Redraw();
+}
+
+void MainWindow::ReopenPort() {
+  reopenPort_->setEnabled(false);
+  statusBar()->showMessage("Reopening the port ...");
+  session_->ReopenPort([this](const std::string& error) {
+    reopenPort_->setEnabled(true);
+    statusBar()->clearMessage();
+    if (!error.empty()) {
+      dialogs_.ShowMessage(kReopenFailedTitle, error, DialogIcon::Warning);
+      return;
+    }
+    const QString port = QString::fromStdString(session_->PortName());
+    lineState_->setText(LineStateText(session_->PortName(), session_->Simulator() != nullptr));
+    statusBar()->showMessage(QString(kPortReopenedText).arg(port));
+  });
 }
 
 void MainWindow::Unconnect(int deviceId) {

@@ -3,6 +3,7 @@
 // before the program ends.
 #pragma once
 
+#include <QAction>
 #include <QLabel>
 #include <QMainWindow>
 #include <QMdiArea>
@@ -11,6 +12,7 @@
 #include <memory>
 
 #include "app/device_list_window.h"
+#include "app/editor_link.h"
 #include "app/line_monitor_window.h"
 #include "app/search_window.h"
 #include "app/session.h"
@@ -53,6 +55,11 @@ class MainWindow : public QMainWindow {
   void ConnectDevice(int deviceId);
   // The editor's "Disconnect device": asks, then sends command 15 and closes the editor.
   void Unconnect(int deviceId);
+  // File > Reopen port: after an adapter was plugged back (or a gateway restarted) the port is
+  // closed and opened again without leaving the program; the devices are then connected again
+  // from the list. Unavailable in demo mode.
+  void ReopenPort();
+  QAction& ReopenPortAction() const { return *reopenPort_; }
 
  signals:
   void startupFinished(talvex::app::StartupOutcome outcome);
@@ -69,6 +76,7 @@ class MainWindow : public QMainWindow {
   void ShowRefusal(OpenRefusal refusal);
   void OpenEditor(int deviceId, int slot);
   void CloseEditorOf(int deviceId);
+  void CloseEveryEditor();
   void EditorClosed(int slot);
   bool MayCloseEditor(int deviceId);
   void PlaceEditor(QMdiSubWindow* sub, int slot) const;
@@ -78,9 +86,11 @@ class MainWindow : public QMainWindow {
   QMdiArea* area_;
   WindowSlots slots_;
   std::array<editor::CtrlWindow*, kWindowSlotCount> editors_{};
+  std::array<SessionEditorLink*, kWindowSlotCount> links_{};  // owned by the editors
   DeviceListWindow* deviceList_ = nullptr;
   SearchWindow* search_ = nullptr;
   QLabel* lineState_ = nullptr;  // the port, or demo mode
+  QAction* reopenPort_ = nullptr;
   LineMonitorWindow* monitor_ = nullptr;
   editor::DeviceGroups groups_;  // the user's groups of open editors
   bool errorsReported_ = false;

@@ -1,6 +1,8 @@
 #include "app/session.h"
 
 #include <QMetaObject>
+#include <QString>
+#include <utility>
 
 #include "link/device_name.h"
 #include "link/search.h"
@@ -41,7 +43,8 @@ Session::Session(link::Line line, UserDialogs& dialogs, std::filesystem::path co
       dialogs_(dialogs),
       configFolder_(std::move(configFolder)),
       presetFolder_(configFolder_ / "preset"),
-      mark_(mark) {
+      mark_(mark),
+      portName_(line_.transport->Name()) {
   link::LinkObserver* observer = this;
   worker_ = std::make_unique<link::LinkWorker>(link_, observer);
   worker_->OnJobError([this](int deviceId, const std::string& what) {
@@ -197,6 +200,11 @@ void Session::RefreshFrom(std::size_t row) {
 
 void Session::Connect(int deviceId, std::function<void(bool connected)> done) {
   DeviceEntry& device = Device(deviceId);
+  if (portLost_) {  // nothing can answer through a port that is gone
+    dialogs_.ShowMessage(link::kCommunicationProblemTitle.data(), PortLostMessage(),
+                         DialogIcon::Warning);
+    return done(false);
+  }
   if (device.disconnected &&
       dialogs_.AskYesNo(kConnectTitle, kConnectQuestion, DialogIcon::Exclamation, Answer::Yes) ==
           Answer::No) {
@@ -309,6 +317,21 @@ void Session::SendLeaveAndThen(std::function<void()> done) {
         return link.SendCommand(0, leave);
       },
       [done = std::move(done)](link::SendResult) { done(); });
+  leaving_ = true;
+}
+
+void Session::ReopenPort(std::function<void(const std::string& error)> done) {
+  Submit(
+      link::kAnyDevice, {},
+      [this](link::Link& link) {
+        const std::string error = link.OpenPort() ? std::string() : link.LastOpenError();
+        if (error.empty()) portLossReported_ = false;  // a loss from now on is a new one
+        return error;
+      },
+      [this, done = std::move(done)](const std::string& error) {
+        if (error.empty()) portLost_ = false;
+        done(error);
+      });
 }
 
 // The devices found are kept in "Speakers.cfg" with their names, so that demo mode can list them
@@ -325,8 +348,36 @@ void Session::SaveSpeakerRecords() const {
   (void)config::WriteSpeakerRecords(configFolder_, records);
 }
 
-// Called on the worker thread: the rest happens on the interface's thread.
+std::string Session::PortLostMessage() const {
+  return QString(kPortLostText).arg(QString::fromStdString(portName_)).toStdString();
+}
+
+void Session::MarkLost(int deviceId) {
+  Device(deviceId).disconnected = true;
+  rowState_[static_cast<std::size_t>(deviceId)] = kLinkFailedRowName;
+}
+
+// One message for the whole port, then every editor closes; the devices' rows say
+// " Disconnected    " as after any link failure.
+void Session::ReportPortLost() {
+  portLost_ = true;
+  for (int id : listedIds_)
+    MarkLost(id);
+  dialogs_.ShowMessage(link::kCommunicationProblemTitle.data(), PortLostMessage(),
+                       DialogIcon::Warning);
+  emit portLost();
+  emit rowsChanged();
+}
+
+// Called on the worker thread: the rest happens on the interface's thread. A failure with the
+// port gone is the port's, not the device's: the first one tells it, the ones that follow (every
+// device fails at once then) are the same loss, and a block read that ends that way does not
+// end the program.
 void Session::LinkFailed(const link::LinkFailure& failure) {
+  if (!line_.transport->IsOpen()) {
+    if (!std::exchange(portLossReported_, true)) Post([this] { ReportPortLost(); });
+    return;
+  }
   Post([this, failure] {  // title and text are the link's constants: the copy stays valid
     dialogs_.ShowMessage(std::string(failure.title), std::string(failure.text),
                          DialogIcon::Warning);
@@ -334,8 +385,7 @@ void Session::LinkFailed(const link::LinkFailure& failure) {
       emit fatalTimeOut();
       return;
     }
-    Device(failure.deviceId).disconnected = true;
-    rowState_[static_cast<std::size_t>(failure.deviceId)] = kLinkFailedRowName;
+    MarkLost(failure.deviceId);
     emit rowsChanged();
     emit deviceLost(failure.deviceId);
   });

@@ -53,6 +53,13 @@ inline constexpr const char* kUnconnectQuestion =
 inline constexpr const char* kLinkFailedRowName = " Disconnected    ";
 inline constexpr const char* kUnconnectedRowName = " disconnected    ";
 inline constexpr const char* kUnknownRowName = "---";
+// The port itself went away (adapter unplugged, gateway stopped): told once, whatever failed.
+inline constexpr const char* kPortLostText =
+    "The port %1 is gone (adapter unplugged or gateway stopped). Every device on it is "
+    "disconnected. Plug it back, then choose File > Reopen port and connect the devices again.";
+inline constexpr const char* kReopenFailedTitle = "Reopen port";
+inline constexpr const char* kPortReopenedText =
+    "Port %1 reopened: connect the devices again from the device list.";
 
 enum class StartupOutcome {
   DevicesFound,  // the list shows the devices that answered
@@ -108,7 +115,18 @@ class Session : public QObject, private link::LinkObserver {
   // From the first editor window on, a final failure of an edit is reported and closes the device.
   void ReportLinkErrors();
   // Sends command 143 to ID 0 and calls `done` once everything queued before it has gone out.
+  // Nothing is queued after it: the devices have been told the program left.
   void SendLeaveAndThen(std::function<void()> done);
+
+  // True from the moment the port was found gone until it is reopened.
+  bool PortLost() const { return portLost_; }
+  // Closes and opens the port again (after an adapter was plugged back), on the worker after
+  // whatever is queued. `done` gets the empty text on success, else why it failed. The devices
+  // stay disconnected: the user connects each again from the list.
+  void ReopenPort(std::function<void(const std::string& error)> done);
+  const std::string& PortName() const { return portName_; }
+  // What the user is told, once, when the port goes away.
+  std::string PortLostMessage() const;
 
   // Runs `work` on the link worker and then `done` with its result back on this thread. Edits
   // with the same non-empty key that still wait are replaced by the newer one.
@@ -121,6 +139,7 @@ class Session : public QObject, private link::LinkObserver {
   void DeviceRenamed(int deviceId);
 
   link::LinkWorker& Worker() { return *worker_; }
+  UserDialogs& Dialogs() { return dialogs_; }
   // Jobs submitted whose result has not come back to this thread yet (dropped ones excluded).
   int Outstanding() const { return outstanding_.load(); }
   sim::SimLine* Simulator() { return line_.simulator.get(); }
@@ -145,6 +164,8 @@ class Session : public QObject, private link::LinkObserver {
   void deviceLost(int deviceId);
   // A block read timed out: "Time out" has been shown and the program must end at once.
   void fatalTimeOut();
+  // The port went away: its message has been shown once; every editor must close.
+  void portLost();
   // The port did not open: why, in plain words (shown beside "COM not found, ...").
   void portProblem(QString reason);
 
@@ -170,6 +191,8 @@ class Session : public QObject, private link::LinkObserver {
   bool FinishConnect(int deviceId, const ConnectResult& result);
   void SaveSpeakerRecords() const;
   void Post(std::function<void()> call);
+  void MarkLost(int deviceId);
+  void ReportPortLost();
 
   void LinkFailed(const link::LinkFailure& failure) override;
   void FrameSent(std::span<const std::uint8_t> frame) override { tap_.Sent(frame); }
@@ -189,11 +212,16 @@ class Session : public QObject, private link::LinkObserver {
   params::DecimalMark mark_ = params::DecimalMark::Point;
   bool demoMode_ = false;
   bool closing_ = false;
+  bool leaving_ = false;           // command 143 is queued: nothing more goes on the line
+  bool portLost_ = false;          // interface thread: the port is gone until reopened
+  bool portLossReported_ = false;  // worker thread: later failures are the same loss
+  std::string portName_;
   std::atomic<int> outstanding_{0};  // released on the worker thread when a job is dropped
 };
 
 template <typename Work, typename Done>
 void Session::Submit(int deviceId, const std::string& key, Work work, Done done) {
+  if (leaving_) return;  // after command 143 the devices are not spoken to again
   // A job carries a token; when the worker drops the job, the token goes with it.
   auto token =
       std::shared_ptr<std::atomic<int>>(&outstanding_, [](std::atomic<int>* count) { --*count; });

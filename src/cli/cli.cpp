@@ -20,6 +20,7 @@ const std::vector<CommandSpec>& AllCommands() {
     AddEqCommands(table);
     AddDiffCommands(table);
     AddBackupCommands(table);
+    AddPlotCommands(table);
     return table;
   }();
   return commands;
@@ -136,6 +137,14 @@ int Run(const std::vector<std::string>& args, std::ostream& out, std::ostream& e
 }
 
 }  // namespace
+
+bool DrawsGraph(const std::vector<std::string>& args) {
+  try {
+    return ParseCommandLine(args).command == kPlotCommand;
+  } catch (const std::exception&) {
+    return false;  // RunCli reports the bad command line
+  }
+}
 
 int RunCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err,
            const CliHooks& hooks) {

@@ -19,6 +19,11 @@ struct CliHooks {
   std::function<link::Line(const link::PortSpec&)> makeLine = link::MakeLine;
 };
 
+// The command that draws the response graph: the only one that needs Qt's graphics.
+inline constexpr const char* kPlotCommand = "plot";
+// Whether a command line runs the plot command.
+bool DrawsGraph(const std::vector<std::string>& args);
+
 // Runs one talvexctl command line (without the program name). Never throws.
 int RunCli(const std::vector<std::string>& args, std::ostream& out, std::ostream& err,
            const CliHooks& hooks = {});

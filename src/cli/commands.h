@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cli/cli_context.h"
+#include "graph/output_response.h"
 #include "params/device_params.h"
 
 namespace talvex::cli {
@@ -27,6 +28,7 @@ void AddWordsCommands(std::vector<CommandSpec>& commands);
 void AddEqCommands(std::vector<CommandSpec>& commands);
 void AddDiffCommands(std::vector<CommandSpec>& commands);
 void AddBackupCommands(std::vector<CommandSpec>& commands);
+void AddPlotCommands(std::vector<CommandSpec>& commands);
 // What get and set do, and the parameter names, for the usage text.
 std::string ParamUsage();
 
@@ -47,5 +49,7 @@ params::ParamImage LoadRecord(CliContext& context);
 params::DeviceParams LoadParams(CliContext& context);
 // A channel word (inA, inB, out1 .. out6) as ChannelIndex; UsageError for any other.
 int ChannelArg(const std::string& text);
+// The outputs of --sum: different output words separated by commas ("out1,out3").
+graph::OutputSet ParseOutputList(const std::string& text);
 
 }  // namespace talvex::cli

@@ -6,9 +6,7 @@
 #include <QHBoxLayout>
 #include <QMenuBar>
 #include <QPointer>
-#include <QRadioButton>
 #include <QScrollArea>
-#include <QSignalBlocker>
 #include <QStyle>
 #include <QTabBar>
 #include <QTimer>
@@ -20,6 +18,7 @@
 #include "editor/editor_menus.h"
 #include "editor/model/device_groups.h"
 #include "editor/widgets/channel_page.h"
+#include "editor/widgets/graph_panel.h"
 #include "editor/widgets/response_graph.h"
 #include "editor/widgets/signal_chain.h"
 #include "editor/widgets/status_line.h"
@@ -64,7 +63,8 @@ CtrlWindow::CtrlWindow(int deviceId, int slot, params::DeviceParams& device,
   chain_ = new SignalChain(model_);
   auto* top = new QHBoxLayout;
   top->addWidget(chain_, 1);
-  top->addWidget(BuildGraphPanel());
+  graphPanel_ = new GraphPanel(model_, dialogs, [this] { return link_->Records().presetFolder; });
+  top->addWidget(graphPanel_);
   auto* content = new QWidget;
   auto* layout = new QVBoxLayout(content);
   layout->addLayout(top);
@@ -86,7 +86,10 @@ CtrlWindow::CtrlWindow(int deviceId, int slot, params::DeviceParams& device,
   outer->addWidget(statusLine_);
 
   connect(chain_, &SignalChain::channelSelected, this, &CtrlWindow::SelectChannel);
-  connect(&page_->EditorLockBox(), &QCheckBox::clicked, this, &CtrlWindow::UpdateActions);
+  connect(&page_->EditorLockBox(), &QCheckBox::clicked, this, [this] {
+    UpdateActions();
+    UpdateGraph();  // a locked editor offers no handles
+  });
   commands_ = std::make_unique<CommandContext>(
       CommandContext{*this, model_, device, *link_, dialogs,
                      [this](const std::string& caption) { SetCaption(caption); },
@@ -105,7 +108,6 @@ CtrlWindow::CtrlWindow(int deviceId, int slot, params::DeviceParams& device,
   outer->setMenuBar(&menus_->Bar());
   SetCaption(params::EditorCaption(deviceId_, device.image[params::kSystemTypeByte]));
   SelectChannel(0);
-  UpdateView();
   page_->Refresh();
   UpdateActions();
 
@@ -114,7 +116,11 @@ CtrlWindow::CtrlWindow(int deviceId, int slot, params::DeviceParams& device,
   meterTimer_->start(kMeterIntervalMs);
 }
 
-CtrlWindow::~CtrlWindow() = default;
+// The panels work on the model, a member: they go first (QWidget would delete its children only
+// after the members, and a drag ending in its destructor would reach a model already gone).
+CtrlWindow::~CtrlWindow() {
+  qDeleteAll(findChildren<QWidget*>(Qt::FindDirectChildrenOnly));
+}
 
 // The twelve window commands in their order; each shortcut works anywhere in this editor (the
 // editors share one frame window, so a window-wide shortcut would be ambiguous).
@@ -213,43 +219,7 @@ void CtrlWindow::SetJobRunning(bool running) {
   model_.SetInputSuppressed(jobsRunning_ > 0);
   page_->setEnabled(jobsRunning_ == 0);
   UpdateActions();
-}
-
-QWidget* CtrlWindow::BuildGraphPanel() {
-  graph_ = new ResponseGraph;
-  graph_->setAccessibleName("Response graph");
-  auto* boxes = new QHBoxLayout;
-  for (std::size_t box = 0; box < viewBoxes_.size(); ++box) {
-    viewBoxes_[box] = new QCheckBox(QString("View Out%1").arg(box + 2));
-    boxes->addWidget(viewBoxes_[box]);
-    connect(viewBoxes_[box], &QCheckBox::toggled, this, &CtrlWindow::UpdateView);
-  }
-  boxes->addStretch(1);
-  auto* options = new QHBoxLayout;
-  showCursor_ = new QCheckBox("Show cursor");
-  outAlone_ = new QRadioButton("Out");
-  outAlone_->setToolTip("Draw each output's own response");
-  outThroughInput_ = new QRadioButton("Out + InputB");
-  outThroughInput_->setToolTip("Draw each output together with the input that feeds it");
-  for (QWidget* widget : std::initializer_list<QWidget*>{showCursor_, outAlone_, outThroughInput_})
-    options->addWidget(widget);
-  options->addStretch(1);
-  connect(showCursor_, &QCheckBox::toggled, graph_, &ResponseGraph::SetCursorShown);
-  connect(outThroughInput_, &QRadioButton::toggled, this, &CtrlWindow::UpdateView);
-  const GraphView& view = model_.View();
-  for (std::size_t box = 0; box < viewBoxes_.size(); ++box) {
-    const QSignalBlocker quiet(viewBoxes_[box]);
-    viewBoxes_[box]->setChecked(view.viewOut[box]);
-  }
-  const QSignalBlocker quiet(outThroughInput_);
-  (view.outPlusInput ? outThroughInput_ : outAlone_)->setChecked(true);
-  auto* panel = new QWidget;
-  auto* layout = new QVBoxLayout(panel);
-  layout->setContentsMargins(0, 0, 0, 0);
-  layout->addWidget(graph_);
-  layout->addLayout(boxes);
-  layout->addLayout(options);
-  return panel;
+  UpdateGraph();  // nor while a job runs
 }
 
 QWidget* CtrlWindow::BuildTabs() {
@@ -279,26 +249,12 @@ void CtrlWindow::ShowChanges() {
   UpdateActions();
 }
 
-void CtrlWindow::UpdateView() {
-  GraphView view = model_.View();
-  for (std::size_t box = 0; box < viewBoxes_.size(); ++box)
-    view.viewOut[box] = viewBoxes_[box]->isChecked();
-  view.outPlusInput = outThroughInput_->isChecked();
-  model_.SetView(view);
-  UpdateGraph();
+void CtrlWindow::UpdateGraph() {
+  graphPanel_->Refresh();
 }
 
-void CtrlWindow::UpdateGraph() {
-  GraphCurves curves;
-  const auto shown = model_.ShownChannels();
-  for (int channel = 0; channel < params::kChannelCount; ++channel) {
-    const auto at = static_cast<std::size_t>(channel);
-    if (!shown[at]) continue;
-    curves.magnitude[at] = &model_.Magnitude(channel);
-    curves.phase[at] = &model_.Phase(channel);
-    curves.levelDb[at] = model_.LevelDb(channel);
-  }
-  graph_->SetCurves(curves);
+ResponseGraph& CtrlWindow::Graph() const {
+  return graphPanel_->Graph();
 }
 
 void CtrlWindow::PollMeters() {
@@ -317,7 +273,7 @@ QSize CtrlWindow::sizeHint() const {
 }
 
 void CtrlWindow::SetCursorShown(bool shown) {
-  showCursor_->setChecked(shown);
+  graphPanel_->ShowCursorBox().setChecked(shown);
 }
 
 void CtrlWindow::CloseWithoutAsking() {

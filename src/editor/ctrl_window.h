@@ -18,8 +18,6 @@
 #include "editor/widgets/bound_controls.h"
 
 class QAction;
-class QCheckBox;
-class QRadioButton;
 class QTabBar;
 class QTimer;
 class QToolBar;
@@ -31,6 +29,7 @@ struct CommandContext;
 class DeviceGroups;
 class EditorMenus;
 class StatusLine;
+class GraphPanel;
 class ResponseGraph;
 class SignalChain;
 
@@ -54,7 +53,8 @@ class CtrlWindow : public QWidget {
   DeviceEditor& Model() { return model_; }
   ChannelPage& Page() const { return *page_; }
   SignalChain& Chain() const { return *chain_; }
-  ResponseGraph& Graph() const { return *graph_; }
+  ResponseGraph& Graph() const;
+  GraphPanel& GraphArea() const { return *graphPanel_; }
   QTabBar& Tabs() const { return *tabs_; }
   QToolBar& Toolbar() const { return *toolbar_; }
   // The toolbar's action for `Command2` index `index` (toolbar_commands.h).
@@ -95,7 +95,6 @@ class CtrlWindow : public QWidget {
   void closeEvent(QCloseEvent* event) override;
 
  private:
-  QWidget* BuildGraphPanel();
   QWidget* BuildTabs();
   void BuildToolbar();
   void RunCommand(WindowCommand command);
@@ -107,7 +106,6 @@ class CtrlWindow : public QWidget {
   void SetJobRunning(bool running);
   void ShowChanges();
   void UpdateGraph();
-  void UpdateView();
   void PollMeters();
 
   int deviceId_;
@@ -128,13 +126,9 @@ class CtrlWindow : public QWidget {
   int jobsRunning_ = 0;
   QWidget* content_ = nullptr;
   SignalChain* chain_ = nullptr;
-  ResponseGraph* graph_ = nullptr;
+  GraphPanel* graphPanel_ = nullptr;
   QTabBar* tabs_ = nullptr;
   ChannelPage* page_ = nullptr;
-  std::array<QCheckBox*, 5> viewBoxes_{};
-  QCheckBox* showCursor_ = nullptr;
-  QRadioButton* outAlone_ = nullptr;
-  QRadioButton* outThroughInput_ = nullptr;
   QTimer* meterTimer_ = nullptr;
 };
 

@@ -27,6 +27,7 @@ ResponseSettings SettingsFromImage(const params::ParamImage& image) {
     c.delaySamples = params::DelaySamples(bytes, channel);
     c.levelDb = params::LevelDb(bytes, channel);
     c.polarityInverted = channel >= 2 && params::PolarityInverted(bytes, channel);
+    c.source = channel >= 2 ? params::OutputSource(bytes, channel) : 0;
   }
   return settings;
 }

@@ -55,6 +55,7 @@ struct ChannelSettings {
   std::int32_t delaySamples = 0;  // at the 48 kHz sample clock; signed
   bool polarityInverted = false;
   double levelDb = 0.0;  // added to the drawn magnitude only
+  int source = 0;        // outputs: the input that feeds them, 0 = In A, 1 = In B
 };
 
 // Crossover filters are kept here by frequency-box index n, the way the editor and the image

@@ -32,7 +32,10 @@ struct FaultPlan {
   double dropRequestRate = 0.0;  // the frame never reaches the device
   double dropReplyRate = 0.0;    // the device acts but its reply is lost
   double corruptRate = 0.0;      // one random byte of the reply is changed
+  bool corruptBlocks = true;     // false: only 13-byte replies are corrupted, blocks come whole
   std::chrono::microseconds maxRandomDelay{0};
+  double lateReplyRate = 0.0;  // the reply leaves lateReplyDelay later still
+  std::chrono::microseconds lateReplyDelay{0};
   std::uint32_t seed = 1;
 };
 

@@ -2,6 +2,7 @@
 
 #include <arpa/inet.h>
 #include <fcntl.h>
+#include <netdb.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <signal.h>
@@ -58,20 +59,29 @@ int OpenPty(std::string& path, int& keepOpen) {
   return master;
 }
 
-int Listen(int& port) {
-  const int fd = socket(AF_INET, SOCK_STREAM, 0);
+// Listens on `address` (IPv4 or IPv6, numeric), port `port` (0: the system picks one, written
+// back). Returns the socket.
+int Listen(const std::string& address, int& port) {
+  addrinfo hints{};
+  hints.ai_family = AF_UNSPEC;
+  hints.ai_socktype = SOCK_STREAM;
+  hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV | AI_PASSIVE;
+  addrinfo* found = nullptr;
+  if (getaddrinfo(address.c_str(), std::to_string(port).c_str(), &hints, &found) != 0 || !found)
+    SystemError("cannot listen on " + address + ": not a numeric IPv4 or IPv6 address");
+  const int fd = socket(found->ai_family, SOCK_STREAM, 0);
   if (fd < 0) SystemError("cannot make a socket");
   const int yes = 1;
   setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  address.sin_port = htons(static_cast<std::uint16_t>(port));
-  if (bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 || listen(fd, 1) != 0)
-    SystemError("cannot listen on 127.0.0.1:" + std::to_string(port));
-  socklen_t length = sizeof address;
-  getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length);
-  port = ntohs(address.sin_port);
+  const bool listening = bind(fd, found->ai_addr, found->ai_addrlen) == 0 && listen(fd, 1) == 0;
+  freeaddrinfo(found);
+  if (!listening) SystemError("cannot listen on " + address + ":" + std::to_string(port));
+  sockaddr_storage bound{};
+  socklen_t length = sizeof bound;
+  getsockname(fd, reinterpret_cast<sockaddr*>(&bound), &length);
+  port =
+      ntohs(bound.ss_family == AF_INET6 ? reinterpret_cast<const sockaddr_in6*>(&bound)->sin6_port
+                                        : reinterpret_cast<const sockaddr_in*>(&bound)->sin_port);
   return fd;
 }
 
@@ -186,8 +196,10 @@ void Serve(SimLine& line, const ServeTarget& target) {
     server.Run(fd, -1, unblocked);
   } else {
     int port = target.tcpPort;
-    const int listener = Listen(port);
-    std::cout << "tcp:127.0.0.1:" << port << std::endl;
+    const int listener = Listen(target.bindAddress, port);
+    const bool v6 = target.bindAddress.find(':') != std::string::npos;
+    std::cout << "tcp:" << (v6 ? "[" + target.bindAddress + "]" : target.bindAddress) << ":" << port
+              << std::endl;
     server.Run(-1, listener, unblocked);
   }
   if (keepOpen >= 0) close(keepOpen);

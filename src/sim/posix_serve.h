@@ -14,9 +14,12 @@ struct ServeTarget {
   enum class Mode { Pty, Device, Tcp } mode = Mode::Pty;
   std::string device;  // Mode::Device: the terminal's path
   int tcpPort = 0;     // Mode::Tcp: 0 picks a free port
+  // Mode::Tcp: the address listened on. The loopback address unless the user names another:
+  // a simulator is for this machine's programs, not for the network.
+  std::string bindAddress = "127.0.0.1";
 };
 
-// Prints where it serves (the terminal's path, or tcp:127.0.0.1:PORT) on stdout, then answers
+// Prints where it serves (the terminal's path, or tcp:ADDRESS:PORT) on stdout, then answers
 // the frames that arrive until SIGINT or SIGTERM. Ends the program with a message on stderr and
 // status 1 when the terminal or the port cannot be opened.
 void Serve(SimLine& line, const ServeTarget& target);

@@ -109,7 +109,8 @@ void SimLine::Disturb(Station& station, std::vector<std::uint8_t>& reply, Durati
     reply[static_cast<std::size_t>(faults.corruptIndex)] ^= 0xFF;
     if (faults.corruptCount > 0) --faults.corruptCount;
   }
-  if (Chance(station, faults.corruptRate)) {
+  const bool corruptible = faults.corruptBlocks || reply.size() != protocol::kBlockSize;
+  if (corruptible && Chance(station, faults.corruptRate)) {
     std::uniform_int_distribution<std::size_t> at(0, reply.size() - 1);
     reply[at(station.random)] ^= 0x5A;
   }
@@ -117,6 +118,7 @@ void SimLine::Disturb(Station& station, std::vector<std::uint8_t>& reply, Durati
     std::uniform_int_distribution<long long> extra(0, faults.maxRandomDelay.count());
     delay += std::chrono::microseconds(extra(station.random));
   }
+  if (Chance(station, faults.lateReplyRate)) delay += faults.lateReplyDelay;
   reply.insert(reply.end(), static_cast<std::size_t>(std::max(faults.garbageBytes, 0)), kNoiseByte);
   if (Chance(station, faults.dropReplyRate)) reply.clear();
 }

@@ -31,6 +31,7 @@ struct Options {
 
 const char* kUsage =
     "usage: talvex-sim [--ids ID,ID,...] [--type 0|1|2] [--pty | --device PATH | --tcp PORT]\n"
+    "                  [--bind ADDRESS]\n"
     "                  [--paced] [--blank-names] [--silent N] [--silent-code CODE]\n"
     "                  [--vanish-after N] [--second-poll] [--wrong-poll]\n"
     "                  [--late MS] [--garbage N] [--corrupt INDEX] [--drop-requests RATE]\n"
@@ -39,6 +40,7 @@ const char* kUsage =
     "  --device PATH  serve an existing terminal, e.g. one end of a socat pty pair\n"
     "  --tcp PORT     serve raw bytes on 127.0.0.1:PORT (0 picks a free port); prints "
     "tcp:HOST:PORT\n"
+    "  --bind ADDRESS listen on this numeric IPv4 or IPv6 address instead of 127.0.0.1\n"
     "  --paced        reply at the speed of a 9600-baud line\n"
     "  --blank-names  devices named with 16 blanks, as from the factory (default: \"SIM 2x2 00\",\n"
     "                 the system type and the ID)\n"
@@ -111,6 +113,8 @@ const std::map<std::string, Setter> kSetters = {
        o.target.mode = ServeTarget::Mode::Tcp;
        o.target.tcpPort = Int(n, v, 65535);
      }},
+    {"--bind",
+     [](Options& o, const std::string&, const std::string& v) { o.target.bindAddress = v; }},
     {"--silent", [](Options& o, const std::string& n,
                     const std::string& v) { o.faults.silentFrames = Int(n, v, 1'000'000); }},
     {"--silent-code",

@@ -3,9 +3,14 @@
 #include <signal.h>
 
 #include <QDeadlineTimer>
+#include <QFile>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QThread>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
 
 namespace talvex::testing {
 
@@ -61,6 +66,48 @@ PtyPair::PtyPair() {
       }
     }
   }
+}
+
+NamedPtyPair::NamedPtyPair(const QString& dir) : dir_(dir) {
+  QFile::remove(dir + "/sim");
+  QFile::remove(dir + "/port");
+  socat_ = std::make_unique<ChildProcess>(
+      "socat",
+      QStringList{"pty,raw,echo=0,link=" + dir + "/sim", "pty,raw,echo=0,link=" + dir + "/port"});
+  QDeadlineTimer deadline(5000);
+  while (socat_->Started() && !deadline.hasExpired()) {
+    if (QFile::exists(dir + "/sim") && QFile::exists(dir + "/port")) {
+      ready_ = true;
+      return;
+    }
+    QThread::msleep(10);
+  }
+}
+
+std::vector<std::string> ListeningSockets(qint64 pid) {
+  const std::string proc = "/proc/" + std::to_string(pid);
+  std::set<std::string> inodes;
+  std::error_code error;
+  for (const auto& fd : std::filesystem::directory_iterator(proc + "/fd", error)) {
+    const std::string target = std::filesystem::read_symlink(fd.path(), error).string();
+    if (target.rfind("socket:[", 0) == 0) inodes.insert(target.substr(8, target.size() - 9));
+  }
+  std::vector<std::string> listening;
+  for (const char* table : {"tcp", "tcp6", "udp", "udp6"}) {
+    std::ifstream in(proc + "/net/" + table);
+    std::string line;
+    std::getline(in, line);  // the heading
+    while (std::getline(in, line)) {
+      std::istringstream fields(line);
+      std::string slot, local, remote, state, queues, timer, retransmits, uid, timeout, inode;
+      fields >> slot >> local >> remote >> state >> queues >> timer >> retransmits >> uid >>
+          timeout >> inode;
+      const bool tcp = table[0] == 't';
+      if (inodes.contains(inode) && (!tcp || state == "0A"))
+        listening.push_back(std::string(tcp ? "tcp " : "udp ") + local);
+    }
+  }
+  return listening;
 }
 
 int FreeTcpPort() {

@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace talvex::testing {
 
@@ -21,6 +22,7 @@ class ChildProcess {
   // SIGTERM, then waits for the exit; returns the exit code (-1 if it had to be killed).
   int Terminate();
   std::string AllStderr();
+  qint64 Pid() const { return process_->processId(); }
 
  private:
   std::unique_ptr<QProcess> process_;
@@ -41,6 +43,27 @@ class PtyPair {
   std::string first_;
   std::string second_;
 };
+
+// A socat pair whose ends are symbolic links with fixed names (`dir`/sim and `dir`/port), so that
+// a pair made again after this one was stopped has the same names: an adapter unplugged and
+// plugged back comes back under its old name.
+class NamedPtyPair {
+ public:
+  explicit NamedPtyPair(const QString& dir);
+  bool Ready() const { return ready_; }
+  std::string SimEnd() const { return (dir_ + "/sim").toStdString(); }
+  std::string PortEnd() const { return (dir_ + "/port").toStdString(); }
+
+ private:
+  QString dir_;
+  std::unique_ptr<ChildProcess> socat_;
+  bool ready_ = false;
+};
+
+// The sockets process `pid` listens on: TCP sockets in the LISTEN state and every UDP socket,
+// each as "tcp ADDRESS:PORT" in the kernel's hexadecimal notation (127.0.0.1:2000 is
+// "0100007F:07D0").
+std::vector<std::string> ListeningSockets(qint64 pid);
 
 // A TCP port that was free a moment ago.
 int FreeTcpPort();

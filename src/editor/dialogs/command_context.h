@@ -44,17 +44,29 @@ struct CommandContext {
   DeviceRecords Records() const { return link.Records(); }
 };
 
+// What the user is told when a job that changes the device never began because its editor
+// closed first (the user closed it, or the device was lost or unconnected meanwhile).
+struct Unfinished {
+  std::string title;
+  std::string text;
+};
+Unfinished StoreNotDone(int deviceId, int slot);
+Unfinished FileNotSent(int deviceId, const std::string& fileTitle);
+
 // Runs a conversation returning `Result` as the window's long job: the window is told when it
 // begins and ends; `progress` and `done` come on the interface thread while the editor lives.
 template <typename Result, typename Work, typename Done>
-void RunLongJob(CommandContext& context, Work work, DeviceJob::Progress progress, Done done) {
+void RunLongJob(CommandContext& context, Work work, DeviceJob::Progress progress, Done done,
+                Unfinished unfinished = {}) {
   context.jobRunning(true);
-  context.link.RunJob(
-      MakeDeviceJob<Result>(std::move(work), std::move(progress),
-                            [&context, done = std::move(done)](Result result) mutable {
-                              context.jobRunning(false);
-                              done(std::move(result));
-                            }));
+  DeviceJob job = MakeDeviceJob<Result>(std::move(work), std::move(progress),
+                                        [&context, done = std::move(done)](Result result) mutable {
+                                          context.jobRunning(false);
+                                          done(std::move(result));
+                                        });
+  job.unfinishedTitle = std::move(unfinished.title);
+  job.unfinishedText = std::move(unfinished.text);
+  context.link.RunJob(std::move(job));
 }
 
 // Sends `commands` in order as the window's long job (stopping at the first one the device does

@@ -115,7 +115,8 @@ void FrmStore::Store() {
         if (outcome.end != presets::ListEnd::Stopped)
           context.memory.SlotMarked(store.slot, store.name, true);
         if (self) self->Stored(store, outcome);
-      });
+      },
+      StoreNotDone(id, slot));
 }
 
 // The slot shows its new name; after a stop the link has reported the failure and the editor

@@ -50,7 +50,8 @@ void SendLoadedPreset(CommandContext& context, presets::PresetTransfer transfer,
         if (outcome.end == presets::TransferEnd::Stopped) return;
         context.setCaption(params::LoadedFromPcCaption(
             context.DeviceId(), fileTitle, context.device.image[params::kSystemTypeByte]));
-      });
+      },
+      FileNotSent(id, fileTitle));
 }
 
 }  // namespace

@@ -43,7 +43,9 @@ DeviceEditor::DeviceEditor(int deviceId, params::DeviceParams& device, params::D
       device_(device),
       mark_(mark),
       link_(link),
-      tables_(std::make_unique<graph::ResponseTables>()) {
+      tables_(std::make_unique<graph::ResponseTables>()),
+      wholeOutputs_(std::make_unique<std::array<graph::ResponseCurves, params::kOutputCount>>()),
+      sum_(std::make_unique<graph::ResponseCurves>()) {
   SetInputNames(presets::NamesFromImage(device.image));
 }
 
@@ -100,6 +102,16 @@ EditOutcome DeviceEditor::Restore(const EditOperation& operation) {
   return Finish(RunOperation(device_, operation, Options()));
 }
 
+EditOutcome DeviceEditor::SetBand(int band, const params::EqBandSetting& setting) {
+  return Perform(EditOperation::WholeBand(band, setting));
+}
+
+int DeviceEditor::BeginGesture() {
+  gesture_ = ++gestures_;
+  history_.BeginGroup();
+  return gesture_;
+}
+
 params::ShownParam DeviceEditor::Show(const ParamRef& ref) const {
   return params::ShowParam(device_, ref, Options());
 }
@@ -123,6 +135,7 @@ EditOutcome DeviceEditor::Finish(const params::EditResult& result) {
   outcome.shown = result.shown;
   outcome.position = result.position;
   outcome.changed = result.changed;
+  outcome.gesture = gesture_;
   UpdateCurves(outcome.changed);
   if (changed_) changed_(outcome.changed);
   return outcome;
@@ -142,37 +155,31 @@ void DeviceEditor::UpdateCurves(std::span<const ParamRef> changed) {
       tables_->ComputeCrossoverResponse(settings, graph::ResponseSlotOfBox(params::FilterOf(ref)));
     } else if (ref.kind == ParamKind::Delay || ref.kind == ParamKind::Polarity) {
       tables_->ComputeChannelSums(settings, ref.channel);
-    } else if (ref.kind != ParamKind::OutputSource) {
-      continue;
+    } else if (ref.kind != ParamKind::OutputSource && ref.kind != ParamKind::Level) {
+      continue;  // levels and sources shape the whole outputs alone
     }
     touched = true;
   }
-  if (touched && view_.outPlusInput) RefreshThroughInputs();
+  if (touched && NeedsWholeOutputs()) RefreshWholeOutputs(settings);
 }
 
 void DeviceEditor::ComputeAll() {
-  tables_->ComputeAll(graph::SettingsFromDevice(device_));
+  const graph::ResponseSettings settings = graph::SettingsFromDevice(device_);
+  tables_->ComputeAll(settings);
   curvesStale_ = false;
-  if (view_.outPlusInput) RefreshThroughInputs();
+  if (NeedsWholeOutputs()) RefreshWholeOutputs(settings);
 }
 
-// Out + input: the output's response after its source input's, as the signal meets them.
-void DeviceEditor::RefreshThroughInputs() {
+// Every output's whole way (any edit of an input reaches all the outputs it feeds), then the
+// sum of the chosen ones.
+void DeviceEditor::RefreshWholeOutputs(const graph::ResponseSettings& settings) {
+  std::vector<const graph::ResponseCurves*> parts;
   for (int output = 0; output < params::kOutputCount; ++output) {
-    const int channel = output + kInputCount;
-    const int source = params::OutputSource(device_.image, channel);
-    const graph::Curve& inMagnitude = tables_->ChannelMagnitude(source);
-    const graph::Curve& inPhase = tables_->ChannelPhase(source);
-    const graph::Curve& outMagnitude = tables_->ChannelMagnitude(channel);
-    const graph::Curve& outPhase = tables_->ChannelPhase(channel);
-    graph::Curve& magnitude = throughMagnitude_[Index(output)];
-    graph::Curve& phase = throughPhase_[Index(output)];
-    for (int i = 0; i < graph::kGridPointCount; ++i) {
-      magnitude[i] = inMagnitude[i] + outMagnitude[i];
-      float sum = inPhase[i] + outPhase[i];
-      phase[i] = graph::WrapDegrees(sum);
-    }
+    graph::ResponseCurves& whole = (*wholeOutputs_)[Index(output)];
+    graph::ComputeWholeOutput(*tables_, settings, output + kInputCount, whole);
+    if (view_.sumOutputs.test(Index(output))) parts.push_back(&whole);
   }
+  if (!parts.empty()) graph::ComputeAcousticSum(parts, *sum_);
 }
 
 void DeviceEditor::SelectChannel(int channel) {
@@ -181,9 +188,10 @@ void DeviceEditor::SelectChannel(int channel) {
 }
 
 void DeviceEditor::SetView(const GraphView& view) {
-  const bool through = view.outPlusInput && !view_.outPlusInput;
+  const bool refresh =
+      view.outPlusInput != view_.outPlusInput || view.sumOutputs != view_.sumOutputs;
   view_ = view;
-  if (through) RefreshThroughInputs();
+  if (refresh && NeedsWholeOutputs()) RefreshWholeOutputs(graph::SettingsFromDevice(device_));
 }
 
 std::array<bool, params::kChannelCount> DeviceEditor::ShownChannels() const {
@@ -197,23 +205,24 @@ std::array<bool, params::kChannelCount> DeviceEditor::ShownChannels() const {
 
 const graph::Curve& DeviceEditor::Magnitude(int channel) const {
   if (view_.outPlusInput && channel >= kInputCount)
-    return throughMagnitude_[Index(channel - kInputCount)];
+    return (*wholeOutputs_)[Index(channel - kInputCount)].magnitude;
   return tables_->ChannelMagnitude(channel);
 }
 
 const graph::Curve& DeviceEditor::Phase(int channel) const {
   if (view_.outPlusInput && channel >= kInputCount)
-    return throughPhase_[Index(channel - kInputCount)];
+    return (*wholeOutputs_)[Index(channel - kInputCount)].phase;
   return tables_->ChannelPhase(channel);
 }
 
-// The level the graph adds to a channel's magnitude; an output drawn through its input takes
-// the input's level too.
+// The level the graph adds to a channel's magnitude; a whole output holds its levels already.
 float DeviceEditor::LevelDb(int channel) const {
-  float level = LevelOf(device_.image, channel);
-  if (view_.outPlusInput && channel >= kInputCount)
-    level += LevelOf(device_.image, params::OutputSource(device_.image, channel));
-  return level;
+  if (view_.outPlusInput && channel >= kInputCount) return 0.0f;
+  return LevelOf(device_.image, channel);
+}
+
+const graph::ResponseCurves* DeviceEditor::Sum() const {
+  return view_.sumOutputs.any() ? sum_.get() : nullptr;
 }
 
 void DeviceEditor::StoresReplaced() {

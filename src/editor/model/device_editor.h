@@ -21,6 +21,7 @@
 #include "editor/model/edit_history.h"
 #include "editor/model/edit_operation.h"
 #include "editor/model/entry_keys.h"
+#include "graph/output_response.h"
 #include "graph/response_tables.h"
 #include "presets/channel_names.h"
 #include "presets/device_state.h"
@@ -42,6 +43,9 @@ struct DeviceJob {
   // On the interface thread: each progress report, then the end.
   Progress progress;
   std::function<void()> done;
+  // Told (title, text) when the job is dropped before it began: its editor closed first.
+  std::string unfinishedTitle;
+  std::string unfinishedText;
 };
 
 // A job whose conversation returns a `Result` (default-constructible), handed to `done` on the
@@ -114,16 +118,19 @@ struct EditOutcome {
   std::string shown;                      // the edited control's text now
   int position = 0;                       // the edited control's position now
   std::vector<params::ParamRef> changed;  // every parameter the edit changed (linked twins too)
+  int gesture = 0;  // the gesture the edit belongs to (DeviceEditor::BeginGesture), 0 for none
   bool Applied() const { return !changed.empty(); }
 };
 
 // Which curves the graph draws: `Check4`..`Check8` ("View Out2" .. "View Out6"), "Show cursor",
-// and the option pair `Option1` "Out" / `Option2` "Out + InputB" (outputs drawn alone, or
-// through the input that feeds them).
+// the option pair `Option1` "Out" / `Option2` "Out + InputB" (outputs drawn alone, or as their
+// whole way from the input that feeds them), and the "Sum" boxes: the outputs whose acoustic
+// sum is drawn (none: no sum).
 struct GraphView {
   std::array<bool, 5> viewOut{true, true, true, true, true};  // Out 2 .. Out 6
   bool showCursor = false;
   bool outPlusInput = false;
+  graph::OutputSet sumOutputs;  // bit k: Out k+1
 };
 
 class DeviceEditor final : public presets::PresetView {
@@ -164,6 +171,19 @@ class DeviceEditor final : public presets::PresetView {
   void OnEdited(std::function<void(const EditOperation&, const EditOutcome&, int tag)> edited) {
     edited_ = std::move(edited);
   }
+  // A whole band at once (a handle dragged on the graph): one command for the band.
+  EditOutcome SetBand(int band, const params::EqBandSetting& setting);
+
+  // A gesture: the edits between BeginGesture and EndGesture are one action of the user (a
+  // drag on the graph, however many positions it sent), which an undo would take back as one
+  // step. Each edit's outcome carries the gesture's number (from 1; 0 outside a gesture).
+  // A gesture is one group of the history (EditHistory::BeginGroup, EndGroup).
+  int BeginGesture();
+  void EndGesture() {
+    gesture_ = 0;
+    history_.EndGroup();
+  }
+  int Gesture() const { return gesture_; }
   // What a control shows now.
   params::ShownParam Show(const params::ParamRef& ref) const;
   // Whether the parameter means anything as the device stands: a shelf has no Q.
@@ -191,10 +211,12 @@ class DeviceEditor final : public presets::PresetView {
   // Out 1 always, Out 2 .. Out 6 by their view boxes, and the selected channel.
   std::array<bool, params::kChannelCount> ShownChannels() const;
   // The curves the graph draws for a channel: its own, or with "Out + InputB" an output's
-  // through its source input (magnitudes added in dB, phases added and folded).
+  // whole way from its source input (graph/output_response.h), levels included.
   const graph::Curve& Magnitude(int channel) const;
   const graph::Curve& Phase(int channel) const;
   float LevelDb(int channel) const;
+  // The acoustic sum of the outputs the "Sum" boxes chose; null when none is chosen.
+  const graph::ResponseCurves* Sum() const;
   const graph::ResponseTables& Tables() const { return *tables_; }
 
   // The stores changed outside the edit path (a channel copy, new names): every curve is
@@ -224,7 +246,8 @@ class DeviceEditor final : public presets::PresetView {
   EditOutcome Finish(const params::EditResult& result);
   void UpdateCurves(std::span<const params::ParamRef> changed);
   void ComputeAll();
-  void RefreshThroughInputs();
+  void RefreshWholeOutputs(const graph::ResponseSettings& settings);
+  bool NeedsWholeOutputs() const { return view_.outPlusInput || view_.sumOutputs.any(); }
   params::EditOptions Options() const;
 
   int deviceId_;
@@ -232,14 +255,16 @@ class DeviceEditor final : public presets::PresetView {
   params::DecimalMark mark_;
   EditorLink& link_;
   std::unique_ptr<graph::ResponseTables> tables_;
-  // An output's curves through its source input, for "Out + InputB".
-  std::array<graph::Curve, params::kOutputCount> throughMagnitude_{};
-  std::array<graph::Curve, params::kOutputCount> throughPhase_{};
+  // Each output's whole way from its input ("Out + InputB") and the outputs' acoustic sum.
+  std::unique_ptr<std::array<graph::ResponseCurves, params::kOutputCount>> wholeOutputs_;
+  std::unique_ptr<graph::ResponseCurves> sum_;
   GraphView view_;
   int selected_ = 0;
   bool inputSuppressed_ = false;
   bool editorLock_ = false;
   bool curvesStale_ = false;
+  int gesture_ = 0;
+  int gestures_ = 0;
   std::array<std::string, params::kInputCount> inputNames_;
   std::function<void(std::span<const params::ParamRef>)> changed_;
   EditHistory history_;

@@ -1,108 +1,113 @@
-// The response graph of an editor window: each shown channel's magnitude and phase curve in the
-// channel's colour over 20 Hz .. 20 kHz, with the frequency, dB and degree axes around the plot.
+// The response graph of an editor window, drawn by plot::GraphPainter: each shown channel's
+// magnitude and phase curve, the acoustic sum, over 20 Hz .. 20 kHz or the part of it zoomed
+// to, with the frequency, dB and degree axes around the plot.
 //
-// The plot is the graph picture of the device's editor: graph width x 191/s pixels (s the
-// display scale of GraphGeometry), 0 dB and 0 degrees on the zero line, one polyline segment
-// per grid point. Around it sit the margins that hold the labels: decades below, dB on the
-// left, degrees on the right, the units above. Background, grid and labels take the widget's
-// palette; the channel colours are fixed.
+// With the mouse: a handle (the window's selected channel's bands and crossover corners) is
+// dragged, and the wheel over a band's handle steps its Q; the widget only reports these, the
+// window hands them to the model. The wheel elsewhere on the plot zooms about the pointer (both
+// axes; Shift the frequencies alone, Ctrl the decibels alone), a drag on the background pans,
+// a double click shows the whole plot again. With the keyboard (the graph takes focus): + and -
+// zoom, the arrows pan, Home shows the whole plot. The zoom is this editor's own.
 #pragma once
 
 #include <QPointF>
 #include <QRect>
-#include <QRgb>
 #include <QSize>
+#include <QString>
 #include <QWidget>
-#include <array>
 #include <memory>
 #include <optional>
 #include <vector>
 
 #include "graph/graph_geometry.h"
-#include "graph/response_settings.h"
-#include "graph/response_tables.h"
+#include "graph/plot_range.h"
+#include "graph/shown_curves.h"
+#include "plot/graph_painter.h"
 
-class QFontMetricsF;
 class QPainter;
 
 namespace talvex::editor {
 
-// The colour of each channel's curves, by ChannelIndex (In A, In B, Out 1 .. Out 6).
-inline constexpr std::array<QRgb, graph::kChannelCount> kChannelColours = {
-    qRgb(255, 0, 0),   qRgb(0, 0, 255), qRgb(255, 0, 255), qRgb(192, 0, 0),
-    qRgb(0, 192, 192), qRgb(0, 255, 0), qRgb(0, 0, 192),   qRgb(255, 128, 0)};
-
-// The colour a channel's curves are drawn in on a plot of the given background: the fixed
-// colour, or on a dark background (a dark theme) the same hue made light enough to read.
-QColor ChannelColour(int channel, const QColor& background);
-// The contrast ratio of two colours (1 .. 21), by their relative luminance.
-double ContrastRatio(const QColor& a, const QColor& b);
-
-// What the graph draws: each channel's magnitude and phase curve, or none (null: the channel is
-// not shown). The curves belong to the editor window and must outlive the graph (or be replaced
-// before they go). levelDb is each channel's level, added to its magnitude curve (the curves
-// hold the filters' shape without it).
-struct GraphCurves {
-  std::array<const graph::Curve*, graph::kChannelCount> magnitude{};
-  std::array<const graph::Curve*, graph::kChannelCount> phase{};
-  std::array<float, graph::kChannelCount> levelDb{};
-
-  // Shows `channel` with its own curves from `tables`.
-  void Show(const graph::ResponseTables& tables, int channel, float level = 0.0f);
-};
-
-// Where the plot sits in a graph of the given geometry whose labels are set in the given font,
-// and the whole graph's size (plot and margins), the graph's top-left corner at (0, 0).
-struct GraphLayout {
-  QRect plot;
-  QSize size;
-};
-GraphLayout LayoutGraph(const graph::GraphGeometry& geometry, const QFontMetricsF& metrics);
+using GraphCurves = graph::ShownCurves;
+using plot::ChannelColour;
+using plot::ContrastRatio;
+using plot::GraphLayout;
+using plot::kChannelColours;
+using plot::LayoutGraph;
 
 class ResponseGraph : public QWidget {
+  Q_OBJECT
+
  public:
   explicit ResponseGraph(QWidget* parent = nullptr);
 
   // Call after every recomputation of the tables, a level change or a change of the shown
-  // channels; schedules one repaint.
+  // curves; schedules one repaint.
   void SetCurves(const GraphCurves& curves);
   const GraphCurves& Curves() const { return curves_; }
 
+  // The handles the mouse can take, and what hovering each names. Replaced after every edit;
+  // a handle being dragged keeps its place in the list.
+  struct Handle {
+    plot::HandleMark mark;
+    QString text;
+  };
+  void SetHandles(std::vector<Handle> handles);
+  const std::vector<Handle>& Handles() const { return handles_; }
+  // The handle under a point of the widget, if any (the nearest; the first of equals).
+  std::optional<int> HandleAt(QPointF point) const;
+  // Where a handle's centre is in the widget.
+  QPointF HandleCentre(int handle) const;
+
+  // The part of the plot shown (graph/plot_range.h).
+  const graph::PlotRange& Range() const { return range_; }
+  void SetRange(const graph::PlotRange& range);
+
   // The geometry of the widget's present logical dots per inch.
   const graph::GraphGeometry& Geometry() const { return *geometry_; }
-  // Where the plot sits in the widget: x = plot.left() + FrequencyX, y = plot.top() + the
-  // geometry's MagnitudeY or PhaseY.
+  int Dpi() const { return dpi_; }
+  // Where the plot sits in the widget.
   QRect PlotRect() const;
+  // The plot's positions through the present zoom.
+  graph::PlotMapping Mapping() const { return graph::PlotMapping(*geometry_, range_); }
 
-  // Paints the whole graph, its top-left corner at the painter's origin, in the given geometry
-  // with the widget's font and palette, onto any device (the widget, an image, a printer). The
-  // layout is LayoutGraph(geometry, the font's metrics on the painter's device).
+  // What the graph shows, for a picture of it: the curves and the zoom, without the handles
+  // and the cursor, which follow the mouse.
+  plot::GraphScene ExportScene() const;
+  // Paints the whole graph as the widget shows it, its top-left corner at the painter's origin,
+  // in the given geometry with the widget's font and palette, onto any device.
   void Paint(QPainter& painter, const graph::GraphGeometry& geometry) const;
 
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;
 
   // "Show cursor": a vertical cursor follows the mouse over the plot and reads, at the grid
-  // frequency under it, every shown curve's magnitude (level included) and phase.
+  // frequency nearest it, every shown curve's magnitude (level included) and phase.
   void SetCursorShown(bool shown);
   bool CursorShown() const { return cursorShown_; }
-  struct CurveReading {
-    float magnitudeDb = 0;
-    float phaseDeg = 0;
-  };
-  struct CursorReading {
-    int hz = 0;  // the grid frequency under the cursor
-    std::array<std::optional<CurveReading>, graph::kChannelCount> channels{};
-  };
   // The reading at x pixels from the plot's left edge (held to the plot).
-  CursorReading ReadingAt(double plotX) const;
+  graph::CursorReading ReadingAt(double plotX) const;
   // Puts the cursor at x pixels from the plot's left edge, as the mouse does.
   void MoveCursor(double plotX);
+
+ signals:
+  // A left press on a handle, each move of it while held (where its centre would go, as a
+  // frequency and a dB value, with the keys held), its release.
+  void handlePressed(int handle);
+  void handleDragged(int handle, double hz, double db, Qt::KeyboardModifiers keys);
+  void handleReleased(int handle);
+  // Wheel notches over a handle: positive away from the user.
+  void handleWheeled(int handle, int steps);
 
  protected:
   void paintEvent(QPaintEvent* event) override;
   bool event(QEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
   void leaveEvent(QEvent* event) override;
 
  private:
@@ -110,17 +115,24 @@ class ResponseGraph : public QWidget {
   QPoint GraphOrigin() const;
   // A new geometry when the logical dots per inch changed (another screen, other settings).
   void FollowDpi();
-  void PaintCurves(QPainter& painter, const graph::GraphGeometry& geometry,
-                   const QRect& plot) const;
-  void PaintCursor(QPainter& painter, const QRect& plot) const;
+  plot::GraphScene Scene() const;
+  void Hover(QPointF point);
+  void ZoomAt(QPointF point, int notches, Qt::KeyboardModifiers keys);
 
   GraphCurves curves_;
+  std::vector<Handle> handles_;
+  graph::PlotRange range_;
   bool cursorShown_ = false;
-  std::optional<double> cursorX_;  // from the plot's left edge, while the mouse is over it
+  std::optional<double> cursorHz_;  // while the mouse is over the plot
+  std::optional<int> hovered_;
+  std::optional<int> dragged_;
+  QPointF grab_;  // from the mouse to the dragged handle's centre
+  std::optional<QPointF> panFrom_;
+  graph::PlotRange panRange_;
+  int wheelRest_ = 0;  // eighths of a degree not yet a whole notch (fine-grained wheels)
   int dpi_ = 0;
   std::shared_ptr<const graph::GraphGeometry> geometry_;
-  // One curve's points, filled and drawn in turn: drawing the curves allocates nothing.
-  mutable std::vector<QPointF> points_;
+  plot::GraphPainter painter_;
 };
 
 }  // namespace talvex::editor

@@ -2,21 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include "protocol/frame.h"
+#include <cmath>
+
+#include "recording_link.h"
 
 namespace talvex::editor {
 namespace {
 
 using params::DecimalMark;
-
-class RecordingLink final : public EditorLink {
- public:
-  void Send(std::span<const params::ParamEdit> edits) override {
-    for (const params::ParamEdit& edit : edits)
-      frames.push_back(protocol::FormatHex(protocol::BuildFrame(4, edit.command)));
-  }
-  std::vector<std::string> frames;
-};
 
 struct KeyCase {
   int key;
@@ -189,7 +182,9 @@ TEST_F(DeviceEditorTest, shouldShowOut1TheViewBoxesAndTheSelectedChannel) {
 }
 
 // "Out + InputB": an output is drawn after the input that feeds it.
-TEST_F(DeviceEditorTest, shouldDrawAnOutputThroughItsInput) {
+// "Out + InputB": an output as its whole way from its input, both levels in its curve; the
+// "Sum" boxes add a sum that follows every edit of a way it holds.
+TEST_F(DeviceEditorTest, shouldDrawAnOutputThroughItsInputAndTheSumOfChosenOutputs) {
   DeviceEditor& editor = Editor();
   editor.Commit({ParamKind::EqGain, 1, params::GlobalBand(1, 0)}, "6");  // In B, band 1 (1 kHz)
   editor.Commit({ParamKind::EqGain, 3, params::GlobalBand(3, 0)}, "3");  // Out 2, fed by In B
@@ -199,11 +194,25 @@ TEST_F(DeviceEditorTest, shouldDrawAnOutputThroughItsInput) {
   editor.SetView(view);
   EXPECT_NEAR(editor.Magnitude(3).AtHz(1009),
               editor.Tables().ChannelMagnitude(1).AtHz(1009) +
-                  editor.Tables().ChannelMagnitude(3).AtHz(1009),
+                  editor.Tables().ChannelMagnitude(3).AtHz(1009) - 2.0f,
               1e-4);
-  EXPECT_NEAR(editor.Magnitude(3).AtHz(988), 9.0f, 0.2f);
-  EXPECT_FLOAT_EQ(editor.LevelDb(3), -2.0f);
+  EXPECT_NEAR(editor.Magnitude(3).AtHz(988), 7.0f, 0.2f);
+  EXPECT_FLOAT_EQ(editor.LevelDb(3), 0.0f);
   EXPECT_EQ(&editor.Magnitude(1), &editor.Tables().ChannelMagnitude(1));
+  EXPECT_EQ(editor.Sum(), nullptr);
+
+  view.sumOutputs.set(1);  // Out 2 alone: its whole output
+  editor.SetView(view);
+  ASSERT_NE(editor.Sum(), nullptr);
+  EXPECT_NEAR(editor.Sum()->magnitude.AtHz(988), editor.Magnitude(3).AtHz(988), 1e-3);
+  view.sumOutputs.set(3);  // and Out 4, fed by In B too, flat: the sum at 988 Hz is 20 log(a + 1)
+  editor.SetView(view);
+  const double amplitude = std::pow(10.0, editor.Magnitude(3).AtHz(988) / 20.0);
+  const double inB = std::pow(10.0, editor.Magnitude(5).AtHz(988) / 20.0);
+  EXPECT_NEAR(editor.Sum()->magnitude.AtHz(988), 20 * std::log10(amplitude + inB), 0.05);
+  editor.Commit({ParamKind::Level, 5, 0}, "-12");  // the sum follows a level of a way
+  EXPECT_NEAR(editor.Sum()->magnitude.AtHz(988),
+              20 * std::log10(amplitude + inB * std::pow(10.0, -12 / 20.0)), 0.05);
 }
 
 TEST_F(DeviceEditorTest, shouldDrawABypassedEqualiserFlat) {
