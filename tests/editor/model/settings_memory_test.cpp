@@ -164,6 +164,10 @@ TEST_F(SettingsMemoryTest, shouldUndoAndRedoEveryKindOfEditWithTheOldValues) {
     const params::DeviceParams after = device_;
     ASSERT_EQ(memory_->History().UndoText(), std::string("Undo ") + c.name);
 
+    editor_->SetEditorLock(true);  // a locked editor takes nothing back
+    memory_->Undo();
+    EXPECT_TRUE(DeviceHolds(after)) << c.name;
+    editor_->SetEditorLock(false);
     std::size_t mark = link_.observer.sent.size();
     memory_->Undo();
     const auto undone = link_.SentSince(mark);
@@ -182,27 +186,6 @@ TEST_F(SettingsMemoryTest, shouldUndoAndRedoEveryKindOfEditWithTheOldValues) {
     EXPECT_TRUE(presets::SameSettings(device_, after)) << c.name;
     EXPECT_EQ(told_.back(), std::string("Redo ") + c.name);
   }
-}
-
-// Three edits taken back and one redone; while the editor is locked nothing is taken back.
-TEST_F(SettingsMemoryTest, shouldTakeBackThreeEditsAndRedoOne) {
-  Open(ShowSetting());
-  const params::DeviceParams first = device_;
-  editor_->Commit({ParamKind::Level, 2, 0}, "-3");
-  const params::DeviceParams second = device_;
-  editor_->Commit({ParamKind::Level, 3, 0}, "-6");
-  editor_->Choose({ParamKind::Polarity, 4, 0}, 1);
-  editor_->SetEditorLock(true);
-  memory_->Undo();
-  EXPECT_EQ(memory_->History().UndoCount(), 3u);
-  editor_->SetEditorLock(false);
-  for (int i = 0; i < 3; ++i)
-    memory_->Undo();
-  EXPECT_TRUE(DeviceHolds(first));
-  memory_->Redo();
-  EXPECT_TRUE(DeviceHolds(second));
-  EXPECT_EQ(memory_->History().UndoText(), "Undo Out 1 level");
-  EXPECT_EQ(memory_->History().RedoText(), "Redo Out 2 level");
 }
 
 // The A/B switch sends only what differs, as one job, and says how long the line took; B starts
