@@ -10,12 +10,16 @@
 //  - drag: a band's handle dragged on the graph with the mouse, one 0.5 dB position a move, the
 //    acoustic sum of two outputs and the cursor shown, from each move until the graph has
 //    painted;
-//  - memory: the resident size of the program idle, and with 11 editors open.
+//  - memory: the resident size of the program idle, and with 11 editors open;
+//  - abswitch: the Edit menu's A/B switch over a line paced at 9600 baud, from the menu entry
+//    until the editor has taken the end of the switch's job, for one band changed and for a
+//    whole other preset.
 // Every device holds a preset on which every band, crossover filter and delay works, so each
 // curve is computed for real. Prints medians (and the worst where a frame is at stake).
-//   editor_bench [REPETITIONS] [open|step|sweep|drag|memory]
+//   editor_bench [REPETITIONS] [open|step|sweep|drag|memory|abswitch]
 #include <QApplication>
 #include <QCheckBox>
+#include <QLabel>
 #include <QMdiSubWindow>
 #include <QMouseEvent>
 #include <QStyle>
@@ -36,9 +40,11 @@
 
 #include "app/editor_link.h"
 #include "app/main_window.h"
+#include "editor/editor_menus.h"
 #include "editor/widgets/channel_page.h"
 #include "editor/widgets/graph_panel.h"
 #include "editor/widgets/response_graph.h"
+#include "editor/widgets/status_line.h"
 #include "params/param_edit.h"
 #include "whole_run.h"
 
@@ -650,6 +656,78 @@ void BenchMemory() {
               open.nowMiB, open.peakMiB);
 }
 
+// ---- A/B switch --------------------------------------------------------------------------------
+
+struct TimedSwitch {
+  double uiMs = 0;     // the menu entry's own work on the interface thread
+  double totalMs = 0;  // until the job's end came back
+  std::string said;
+};
+
+// The switch as a user makes it: the menu entry (the plan, the model and the window brought to
+// the other setting), then the editor's loop until the job's end has come back (the status line
+// gives the switch's line time).
+TimedSwitch Switch(editor::CtrlWindow& editor) {
+  QLabel& said = editor.Status().Message();
+  said.clear();
+  TimedSwitch timed;
+  const auto start = Clock::now();
+  editor.Menus().Action(editor::EditorAction::SwitchSide).trigger();
+  timed.uiMs = Ms(Clock::now() - start);
+  WaitFor([&] { return said.text().contains("full push"); }, 30000);
+  timed.totalMs = Ms(Clock::now() - start);
+  timed.said = said.text().toStdString();
+  return timed;
+}
+
+void ReportSwitches(const char* what, editor::CtrlWindow& editor, int repetitions) {
+  std::vector<double> totals, ui;
+  std::string said;
+  for (int i = 0; i < repetitions; ++i) {
+    const TimedSwitch timed = Switch(editor);
+    totals.push_back(timed.totalMs);
+    ui.push_back(timed.uiMs);
+    said = timed.said;
+    RunEventLoopFor(50);
+  }
+  std::printf("A/B switch, %s, at 9600 baud, menu to end: median %.1f ms, worst %.1f ms\n", what,
+              Median(totals), Worst(totals));
+  std::printf("  the menu entry's work on the interface thread: median %.2f ms, worst %.2f ms\n",
+              Median(ui), Worst(ui));
+  std::printf("  the editor said: %s\n", said.c_str());
+}
+
+void BenchAbSwitch(int repetitions) {
+  GraphPaints paints;
+  Program program("sim:0@9600", app::SearchMode::SingleDevice);
+  program.Connect(0, paints);
+  program.Settle();
+  editor::CtrlWindow& editor = *program.EditorOf(0);
+  editor::DeviceEditor& model = editor.Model();
+  editor::SettingsMemory& memory = editor.Memory();
+  memory.CopyAToB();
+  memory.SwitchSide();  // B, a copy of A: nothing differs
+  program.Settle();
+  model.Commit({ParamKind::EqGain, kOut3, params::GlobalBand(kOut3, kSweepBandInChannel)}, "9");
+  program.Settle();
+  ReportSwitches("one band changed (goal 60 ms)", editor, repetitions);
+  if (memory.Side() == 0) memory.SwitchSide();
+  program.Settle();
+  // B becomes a whole other preset: every band flat, no delay, every level and crossover moved.
+  for (int channel = 0; channel < params::kChannelCount; ++channel) {
+    model.FlattenEq(channel);
+    model.Move({ParamKind::Delay, channel, 0}, 0);
+    model.Commit({ParamKind::Level, channel, 0}, "-3");
+    if (channel >= params::kInputCount) {
+      model.Choose({ParamKind::HighPassType, channel, 0}, 0);
+      model.Choose({ParamKind::LowPassType, channel, 0}, 0);
+    }
+  }
+  program.Settle();
+  ReportSwitches("a whole other preset", editor, std::max(2, repetitions / 4));
+  Check(program.Dialogs().messages == 0, "a message was shown");
+}
+
 }  // namespace
 
 int main(int argc, char* argv[]) {
@@ -666,6 +744,7 @@ int main(int argc, char* argv[]) {
     if (wanted("step") || wanted("sweep"))
       BenchStepAndSweep(repetitions, wanted("step"), wanted("sweep"));
     if (wanted("drag")) BenchDragOnPacedLine(repetitions);
+    if (wanted("abswitch")) BenchAbSwitch(repetitions);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "editor_bench: %s\n", error.what());
     return 1;

@@ -8,9 +8,12 @@
 #include <QCheckBox>
 #include <QDialog>
 #include <QDir>
+#include <QFile>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMdiSubWindow>
+#include <QMenu>
+#include <QMenuBar>
 #include <QPushButton>
 #include <QScreen>
 #include <QSignalSpy>
@@ -24,9 +27,12 @@
 #include "app/select_window.h"
 #include "app/splash_window.h"
 #include "app/theme.h"
+#include "editor/dialogs/eq_import_dialog.h"
 #include "editor/dialogs/frm_edit_label.h"
 #include "editor/dialogs/frm_store.h"
 #include "editor/dialogs/frm_vmeter.h"
+#include "editor/dialogs/preset_diff_dialog.h"
+#include "editor/editor_menus.h"
 #include "editor/qt_user_dialogs.h"
 #include "editor/widgets/graph_panel.h"
 #include "editor/widgets/response_graph.h"
@@ -206,6 +212,71 @@ bool ShootDialogs(app::MainWindow& window, editor::CtrlWindow& editor, ShotDialo
   return ok;
 }
 
+// The editor's own menus and status line after an A/B switch, the Edit menu open, and the
+// Tools menu's import report and comparison, on the paced line.
+bool ShootEditorMemory(app::MainWindow& window, editor::CtrlWindow& editor, ShotDialogs& dialogs,
+                       const QString& out, const QString& suffix, const QString& folder) {
+  using editor::EditorAction;
+  using params::ParamKind;
+  const auto shot = [&](const char* name) { return out + "/" + name + suffix + ".png"; };
+  const auto run = [&](EditorAction action) {
+    editor.Menus().Action(action).trigger();
+    Settle(window.CurrentSession());
+  };
+  dialogs.scripted = true;
+  editor.SelectChannel(2);
+  editor.Model().Commit({ParamKind::EqGain, 2, params::GlobalBand(2, 3)}, "-4.5");
+  run(EditorAction::CopyAToB);
+  run(EditorAction::SwitchSide);
+  editor.Model().Commit({ParamKind::EqFrequency, 2, params::GlobalBand(2, 3)}, "1600");
+  Settle(window.CurrentSession());
+  run(EditorAction::SwitchSide);
+  bool ok = Save(window, shot("editor-ab-switch"));
+  QMenu* edit = editor.Menus().Bar().findChildren<QMenu*>().value(0);
+  if (edit) {
+    edit->popup(editor.Menus().Bar().mapToGlobal(QPoint(0, editor.Menus().Bar().height())));
+    Pump(300);
+    ok = Save(window, shot("editor-edit-menu")) && ok;
+    edit->hide();
+  } else {
+    ok = false;
+  }
+
+  const QString room = folder + "/room.txt";
+  QFile file(room);
+  file.open(QIODevice::WriteOnly);
+  file.write(
+      "Preamp: -3,5 dB\n"
+      "Filter  1: ON  PK       Fc   45,80 Hz  Gain   3,00 dB  Q  1,000\n"
+      "Filter  2: ON  LS 6dB   Fc  120,0 Hz   Gain  -2,5 dB\n"
+      "Filter  3: OFF None\n"
+      "Filter  4: ON  HP       Fc   30 Hz\n"
+      "Filter  5: ON  PK       Fc 2150,0 Hz  Gain  -4,20 dB  Q  4,500\n");
+  file.close();
+  dialogs.file = room.toStdString();
+  run(EditorAction::ImportEq);
+  if (auto* report = editor.findChild<editor::EqImportDialog*>()) {
+    Pump(300);
+    ok = Save(*report, shot("dialog-eq-import")) && ok;
+    report->reject();
+  } else {
+    ok = false;
+  }
+  Pump(100);
+  dialogs.file = (folder + "/show.tvx").toStdString();
+  run(EditorAction::CompareFile);
+  if (auto* diff = editor.findChild<editor::PresetDiffDialog*>()) {
+    Pump(300);
+    ok = Save(*diff, shot("dialog-compare")) && ok;
+    diff->reject();
+  } else {
+    ok = false;
+  }
+  Pump(100);
+  dialogs.scripted = false;
+  return ok;
+}
+
 }  // namespace
 
 // One side's mid and high way (Out 3 and Out 5, crossing at 2.5 kHz, the high way 0.4 ms
@@ -313,6 +384,7 @@ int main(int argc, char* argv[]) {
   }
   ok = ShootSum(window, *shown, out + "/editor-sum" + suffix + ".png") && ok;
   ok = ShootDialogs(window, *shown, dialogs, out, suffix, config.path()) && ok;
+  ok = ShootEditorMemory(window, *shown, dialogs, out, suffix, config.path()) && ok;
   app::ApplyTheme(app::Theme::Dark);
   Pump(400);
   ok = Save(window, out + "/main-dark" + suffix + ".png") && ok;

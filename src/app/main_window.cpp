@@ -157,6 +157,9 @@ void MainWindow::OpenEditor(int deviceId, int slot) {
                                         session_->Mark(), std::move(link), dialogs_,
                                         [this, deviceId] { return MayCloseEditor(deviceId); });
   connect(editor, &editor::CtrlWindow::closed, this, &MainWindow::EditorClosed);
+  connect(editor, &editor::CtrlWindow::statusMessage, this,
+          [this](const QString& text) { statusBar()->showMessage(text, kEditorMessageMs); });
+  editor->SetGroups(groups_);
   connect(editor, &editor::CtrlWindow::disconnectRequested, this, &MainWindow::Unconnect);
   editors_[static_cast<std::size_t>(slot)] = editor;
   QMdiSubWindow* sub = area_->addSubWindow(editor);
@@ -177,10 +180,15 @@ void MainWindow::PlaceEditor(QMdiSubWindow* sub, int slot) const {
             std::clamp(at.y(), 0, std::max(0, room.height() - size.height())));
 }
 
+// The system's question as it always stood, then ours when the settings would be lost.
 bool MainWindow::MayCloseEditor(int deviceId) {
   if (session_->Device(deviceId).disconnected) return true;
   const std::string title = "ID:" + std::to_string(deviceId) + kCloseWindowSuffix;
-  return dialogs_.AskYesNo(title, kExitQuestion, DialogIcon::None, Answer::Yes) == Answer::Yes;
+  if (dialogs_.AskYesNo(title, kExitQuestion, DialogIcon::None, Answer::Yes) != Answer::Yes)
+    return false;
+  const auto slot = slots_.SlotOfDevice(deviceId);
+  editor::CtrlWindow* editor = slot ? Editor(*slot) : nullptr;
+  return !editor || editor->MayLeave(title, false);
 }
 
 // The editor is deleted later; what it queued must not reach the device from now on.
@@ -243,6 +251,8 @@ void MainWindow::closeEvent(QCloseEvent* event) {
   event->ignore();
   if (dialogs_.AskYesNo(kExitTitle, kExitQuestion, DialogIcon::None, Answer::No) == Answer::No)
     return;
+  for (editor::CtrlWindow* editor : editors_)
+    if (editor && !editor->MayLeave(kExitTitle, true)) return;
   leaving_ = true;
   hide();
   // Command 143 goes out after whatever is queued; the program ends once it has.

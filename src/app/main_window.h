@@ -18,6 +18,7 @@
 #include "app/session.h"
 #include "app/window_slots.h"
 #include "editor/ctrl_window.h"
+#include "editor/model/device_groups.h"
 
 namespace talvex::app {
 
@@ -25,6 +26,8 @@ inline constexpr const char* kMainTitle = "TALVEX Speaker management";
 inline constexpr const char* kExitTitle = "Exit";
 inline constexpr const char* kExitQuestion = "               Are you sure ? ";
 inline constexpr const char* kCloseWindowSuffix = " - Close window";
+// An editor's word in the status bar (a switch's time, a cleared history) stays this long.
+inline constexpr int kEditorMessageMs = 15000;
 
 class MainWindow : public QMainWindow {
   Q_OBJECT
@@ -89,6 +92,7 @@ class MainWindow : public QMainWindow {
   QLabel* lineState_ = nullptr;  // the port, or demo mode
   QAction* reopenPort_ = nullptr;
   LineMonitorWindow* monitor_ = nullptr;
+  editor::DeviceGroups groups_;  // the user's groups of open editors
   bool errorsReported_ = false;
   bool leaving_ = false;
 };

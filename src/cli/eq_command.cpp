@@ -7,9 +7,9 @@
 
 #include "cli/commands.h"
 #include "cli/param_words.h"
-#include "config/config_files.h"
 #include "params/eq_text.h"
 #include "presets/conversation.h"
+#include "presets/eq_text_file.h"
 #include "presets/preset_file.h"
 
 namespace talvex::cli {
@@ -18,39 +18,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A filter text is a few kilobytes; anything beyond this is not one.
-constexpr std::size_t kLargestFilterText = 1 << 20;
 constexpr std::string_view kDryRun = "--dry-run";
 
 std::string ReadFilterText(const std::string& path) {
-  std::error_code error;
-  if (!fs::is_regular_file(path, error))
-    throw CommandFailed(path + " is not a file that can be read");
-  const auto bytes = config::ReadSmallFile(path, kLargestFilterText);
-  if (!bytes) {
-    const bool large = fs::file_size(path, error) > kLargestFilterText && !error;
-    throw CommandFailed(path +
-                        (large ? " is larger than 1 MiB: not a filter text" : " cannot be read"));
-  }
-  return {bytes->begin(), bytes->end()};
-}
-
-std::string_view KindWord(params::EqNoteKind kind) {
-  switch (kind) {
-    case params::EqNoteKind::Rounded:
-      return "rounded";
-    case params::EqNoteKind::DoesNotFit:
-      return "does not fit";
-    case params::EqNoteKind::Skipped:
-      break;
-  }
-  return "skipped";
+  presets::EqTextRead read = presets::ReadEqTextFile(path);
+  if (!read.Ok()) throw CommandFailed(read.error);
+  return std::move(read.text);
 }
 
 void PrintText(CliContext& context, const params::EqImportPlan& plan, const std::string& result) {
   std::ostream& out = context.Out();
   for (const params::EqNote& note : plan.notes)
-    out << KindWord(note.kind) << ": " << params::DescribeNote(note) << '\n';
+    out << params::NoteKindWord(note.kind) << ": " << params::DescribeNote(note) << '\n';
   out << ChannelWord(plan.channel) << ": " << params::EqPlanSummary(plan) << '\n' << result << '\n';
 }
 
@@ -59,7 +38,7 @@ void PrintJson(CliContext& context, const params::EqImportPlan& plan, bool sent,
   out << "{\"channel\": " << JsonString(std::string(ChannelWord(plan.channel))) << ", \"notes\": [";
   const char* separator = "";
   for (const params::EqNote& note : plan.notes) {
-    out << separator << "{\"kind\": " << JsonString(std::string(KindWord(note.kind)))
+    out << separator << "{\"kind\": " << JsonString(std::string(params::NoteKindWord(note.kind)))
         << ", \"line\": " << note.firstLine
         << ", \"text\": " << JsonString(params::DescribeNote(note)) << '}';
     separator = ", ";
@@ -97,10 +76,7 @@ int Import(CliContext& context, std::vector<std::string> words) {
   const int channel = ChannelArg(words[0]);
   const std::string text = ReadFilterText(words[1]);
   if (!params::PlanEqImport(text, params::DefaultRecord(0), channel).HasFilters())
-    throw CommandFailed(
-        words[1] +
-        " holds no filter line (such as \"Filter  1: ON  PK  Fc 100 Hz  Gain -3 dB  "
-        "Q 1\"); nothing sent");
+    throw CommandFailed(presets::NoFilterLineText(words[1]));
   params::DeviceParams device = LoadParams(context);
   const params::EqImportPlan plan = params::PlanEqImport(text, device.image, channel);
   int commands = 0;

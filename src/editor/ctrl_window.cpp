@@ -4,6 +4,7 @@
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QHBoxLayout>
+#include <QMenuBar>
 #include <QPointer>
 #include <QScrollArea>
 #include <QStyle>
@@ -13,10 +14,14 @@
 #include <QVBoxLayout>
 
 #include "editor/dialogs/command_context.h"
+#include "editor/dialogs/unsaved_question.h"
+#include "editor/editor_menus.h"
+#include "editor/model/device_groups.h"
 #include "editor/widgets/channel_page.h"
 #include "editor/widgets/graph_panel.h"
 #include "editor/widgets/response_graph.h"
 #include "editor/widgets/signal_chain.h"
+#include "editor/widgets/status_line.h"
 #include "params/captions.h"
 
 namespace talvex::editor {
@@ -52,6 +57,7 @@ CtrlWindow::CtrlWindow(int deviceId, int slot, params::DeviceParams& device,
   model_.Load();
   model_.SetInputNames(link_->Records().names);
   model_.OnChanged([this](std::span<const params::ParamRef>) { ShowChanges(); });
+  memory_ = std::make_unique<SettingsMemory>(model_, device, *link_);
 
   BuildToolbar();
   chain_ = new SignalChain(model_);
@@ -76,22 +82,31 @@ CtrlWindow::CtrlWindow(int deviceId, int slot, params::DeviceParams& device,
   outer->setSpacing(0);
   outer->addWidget(toolbar_);
   outer->addWidget(scroll);
+  statusLine_ = new StatusLine;
+  outer->addWidget(statusLine_);
 
   connect(chain_, &SignalChain::channelSelected, this, &CtrlWindow::SelectChannel);
   connect(&page_->EditorLockBox(), &QCheckBox::clicked, this, [this] {
     UpdateActions();
     UpdateGraph();  // a locked editor offers no handles
   });
-  commands_ = std::make_unique<CommandContext>(CommandContext{
-      *this, model_, device, *link_, dialogs,
-      [this](const std::string& caption) { setWindowTitle(QString::fromStdString(caption)); },
-      [this](bool running) { SetJobRunning(running); }, [this] { ShowChanges(); },
-      [this] {
-        commandOpen_ = false;
-        UpdateActions();
-      }});
-  setWindowTitle(QString::fromStdString(
-      params::EditorCaption(deviceId_, device.image[params::kSystemTypeByte])));
+  commands_ = std::make_unique<CommandContext>(
+      CommandContext{*this, model_, device, *link_, dialogs,
+                     [this](const std::string& caption) { SetCaption(caption); },
+                     [this](bool running) { SetJobRunning(running); }, [this] { ShowChanges(); },
+                     [this] {
+                       commandOpen_ = false;
+                       UpdateActions();
+                     },
+                     *memory_});
+  memory_->jobRunning = [this](bool running) { SetJobRunning(running); };
+  memory_->status = [this](const std::string& text) { ShowStatus(text); };
+  memory_->changed = [this] { ShowMemory(); };
+  memory_->typeChanged = [this](int type) { SetCaption(params::EditorCaption(deviceId_, type)); };
+  menus_ = new EditorMenus(
+      *commands_, [this](const auto& tool) { RunTool(tool); }, *this);
+  outer->setMenuBar(&menus_->Bar());
+  SetCaption(params::EditorCaption(deviceId_, device.image[params::kSystemTypeByte]));
   SelectChannel(0);
   page_->Refresh();
   UpdateActions();
@@ -151,6 +166,39 @@ void CtrlWindow::RunCommand(WindowCommand command) {
   RunWindowCommand(command, *commands_);
 }
 
+// The editor's tools run like the toolbar's commands, under the same busy flag.
+void CtrlWindow::RunTool(const std::function<void(CommandContext&)>& tool) {
+  if (CommandBusy()) return;
+  commandOpen_ = true;
+  UpdateActions();
+  tool(*commands_);
+}
+
+void CtrlWindow::SetGroups(DeviceGroups& groups) {
+  groups.Attach(*memory_);
+}
+
+// The caption the system gives the editor, then its group: "ID:3 - Type: 6 WAY XOVER -
+// Group 1 (ID 0, 3, 7)".
+void CtrlWindow::SetCaption(const std::string& caption) {
+  caption_ = caption;
+  std::string shown = caption;
+  if (const DeviceGroups* groups = memory_->Groups())
+    if (const int group = groups->GroupOf(*memory_)) shown += " - " + groups->Name(group);
+  setWindowTitle(QString::fromStdString(shown));
+}
+
+void CtrlWindow::ShowStatus(const std::string& text) {
+  const QString line = QString::fromStdString(text);
+  statusLine_->ShowMessage(line);
+  emit statusMessage(line);
+}
+
+void CtrlWindow::ShowMemory() {
+  SetCaption(caption_);
+  UpdateActions();
+}
+
 // The toolbar's part of the enable routine: nothing starts while a command runs, and nothing
 // that changes the device while it or the editor is locked.
 void CtrlWindow::UpdateActions() {
@@ -160,6 +208,8 @@ void CtrlWindow::UpdateActions() {
     if (entry.command == WindowCommand::Disconnect) continue;
     action->setEnabled(!CommandBusy() && !(entry.changesDevice && locked));
   }
+  if (menus_) menus_->Update(CommandBusy());
+  if (statusLine_) statusLine_->ShowState(*memory_);
 }
 
 // While the device runs a long job the entry boxes ignore keys and the channel's controls are
@@ -188,6 +238,7 @@ void CtrlWindow::SelectChannel(int channel) {
   chain_->Select(channel);
   if (page_ && model_.SelectedChannel() != channel) page_->Bind(channel);
   UpdateGraph();
+  if (menus_) menus_->Update(CommandBusy());
 }
 
 // After an edit or a whole preset: every control, the chain and the graph show the stores.
@@ -227,7 +278,12 @@ void CtrlWindow::SetCursorShown(bool shown) {
 
 void CtrlWindow::CloseWithoutAsking() {
   asked_ = true;
+  memory_->ClearHistory("the device was disconnected");
   close();
+}
+
+bool CtrlWindow::MayLeave(const std::string& title, bool leavingProgram) {
+  return MayLeaveUnsaved(*commands_, title, leavingProgram);
 }
 
 void CtrlWindow::closeEvent(QCloseEvent* event) {
@@ -236,6 +292,7 @@ void CtrlWindow::closeEvent(QCloseEvent* event) {
     return;
   }
   asked_ = true;
+  if (DeviceGroups* groups = memory_->Groups()) groups->Leave(*memory_);
   meterTimer_->stop();
   emit closed(slot_);
   event->accept();

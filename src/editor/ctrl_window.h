@@ -12,6 +12,7 @@
 #include <string>
 
 #include "editor/model/device_editor.h"
+#include "editor/model/settings_memory.h"
 #include "editor/toolbar_commands.h"
 #include "editor/user_dialogs.h"
 #include "editor/widgets/bound_controls.h"
@@ -25,6 +26,9 @@ namespace talvex::editor {
 
 class ChannelPage;
 struct CommandContext;
+class DeviceGroups;
+class EditorMenus;
+class StatusLine;
 class GraphPanel;
 class ResponseGraph;
 class SignalChain;
@@ -65,11 +69,27 @@ class CtrlWindow : public QWidget {
   void SetCursorShown(bool shown);
 
   QSize sizeHint() const override;
+  // The program closes the editor itself: its device has gone (lost or unconnected) or the
+  // program ends. No question; the history is cleared with a word.
   void CloseWithoutAsking();
+
+  // The history, the A/B compare and the save state (settings_memory.h), the editor's own menus
+  // (editor_menus.h) and its status line.
+  SettingsMemory& Memory() { return *memory_; }
+  EditorMenus& Menus() const { return *menus_; }
+  StatusLine& Status() const { return *statusLine_; }
+  // The program's device groups; the editor's caption names its group.
+  void SetGroups(DeviceGroups& groups);
+  // Our question when the settings would be left nowhere but on the device (closing the editor,
+  // or leaving the program); it comes after the system's own close question, which the main
+  // window asks (unsaved_question.h). False: the user took the close back.
+  bool MayLeave(const std::string& title, bool leavingProgram);
 
  signals:
   void disconnectRequested(int deviceId);
   void closed(int slot);
+  // A line for the program's status bar (a switch's time, a cleared history).
+  void statusMessage(const QString& text);
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -79,6 +99,10 @@ class CtrlWindow : public QWidget {
   void BuildToolbar();
   void RunCommand(WindowCommand command);
   void UpdateActions();
+  void RunTool(const std::function<void(CommandContext&)>& tool);
+  void SetCaption(const std::string& caption);
+  void ShowStatus(const std::string& text);
+  void ShowMemory();
   void SetJobRunning(bool running);
   void ShowChanges();
   void UpdateGraph();
@@ -93,7 +117,11 @@ class CtrlWindow : public QWidget {
   bool asked_ = false;
   QToolBar* toolbar_ = nullptr;
   std::array<QAction*, kWindowCommandCount> actions_{};
+  std::unique_ptr<SettingsMemory> memory_;
   std::unique_ptr<CommandContext> commands_;
+  EditorMenus* menus_ = nullptr;
+  StatusLine* statusLine_ = nullptr;
+  std::string caption_;  // without the group's name
   bool commandOpen_ = false;
   int jobsRunning_ = 0;
   QWidget* content_ = nullptr;

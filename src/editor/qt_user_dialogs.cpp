@@ -32,6 +32,27 @@ Answer QtUserDialogs::AskYesNo(const std::string& title, const std::string& text
   return box.exec() == QMessageBox::Yes ? Answer::Yes : Answer::No;
 }
 
+Answer QtUserDialogs::AskYesNoCancel(const std::string& title, const std::string& text,
+                                     DialogIcon icon, Answer defaultAnswer) {
+  QMessageBox box(QtIcon(icon), QString::fromStdString(title), QString::fromStdString(text),
+                  QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, parent_);
+  const auto button = [](Answer answer) {
+    return answer == Answer::Yes  ? QMessageBox::Yes
+           : answer == Answer::No ? QMessageBox::No
+                                  : QMessageBox::Cancel;
+  };
+  box.setDefaultButton(button(defaultAnswer));
+  box.setEscapeButton(QMessageBox::Cancel);
+  switch (box.exec()) {
+    case QMessageBox::Yes:
+      return Answer::Yes;
+    case QMessageBox::No:
+      return Answer::No;
+    default:
+      return Answer::Cancel;
+  }
+}
+
 void QtUserDialogs::ShowMessage(const std::string& title, const std::string& text,
                                 DialogIcon icon) {
   QMessageBox box(QtIcon(icon), QString::fromStdString(title), QString::fromStdString(text),

@@ -15,6 +15,8 @@ class QtUserDialogs final : public UserDialogs {
 
   Answer AskYesNo(const std::string& title, const std::string& text, DialogIcon icon,
                   Answer defaultAnswer) override;
+  Answer AskYesNoCancel(const std::string& title, const std::string& text, DialogIcon icon,
+                        Answer defaultAnswer) override;
   void ShowMessage(const std::string& title, const std::string& text, DialogIcon icon) override;
   std::optional<std::string> ChooseOpenFile(const std::string& folder,
                                             const std::string& filter) override;

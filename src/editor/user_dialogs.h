@@ -9,7 +9,7 @@
 namespace talvex::editor {
 
 enum class DialogIcon { None, Information, Warning, Critical, Exclamation };
-enum class Answer { Yes, No };
+enum class Answer { Yes, No, Cancel };
 
 class UserDialogs {
  public:
@@ -17,6 +17,16 @@ class UserDialogs {
   // A Yes/No question; `defaultAnswer` is the button Enter presses.
   virtual Answer AskYesNo(const std::string& title, const std::string& text, DialogIcon icon,
                           Answer defaultAnswer) = 0;
+  // A Yes/No/Cancel question (Escape is Cancel); `defaultAnswer` is the button Enter presses.
+  // An implementation without such a box asks Yes/No, its No standing for Cancel (nothing is
+  // done that the user did not agree to).
+  virtual Answer AskYesNoCancel(const std::string& title, const std::string& text, DialogIcon icon,
+                                Answer defaultAnswer) {
+    return AskYesNo(title, text, icon, defaultAnswer == Answer::Yes ? Answer::Yes : Answer::No) ==
+                   Answer::Yes
+               ? Answer::Yes
+               : Answer::Cancel;
+  }
   // A message with an OK button.
   virtual void ShowMessage(const std::string& title, const std::string& text, DialogIcon icon) = 0;
   // A file to open or to save to, or nothing when the user cancels. `filter` is written as the

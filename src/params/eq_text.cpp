@@ -469,6 +469,18 @@ class PlanReader {
 
 }  // namespace
 
+std::string_view NoteKindWord(EqNoteKind kind) {
+  switch (kind) {
+    case EqNoteKind::Rounded:
+      return "rounded";
+    case EqNoteKind::DoesNotFit:
+      return "does not fit";
+    case EqNoteKind::Skipped:
+      break;
+  }
+  return "skipped";
+}
+
 std::string DescribeNote(const EqNote& note) {
   std::string text = note.firstLine == note.lastLine ? "line " + std::to_string(note.firstLine)
                                                      : "lines " + std::to_string(note.firstLine) +

@@ -39,6 +39,8 @@ struct EqNote {
 
 // The note as one line of a report: "line 3, Filter 1: Fc 45.80 Hz -> 46.2 Hz".
 std::string DescribeNote(const EqNote& note);
+// The kind of a note as a report names it: "rounded", "does not fit", "skipped".
+std::string_view NoteKindWord(EqNoteKind kind);
 
 struct EqPlannedBand {
   int band = 0;           // global band number

@@ -118,7 +118,7 @@ DeviceBackup DecodeBody(std::span<const std::uint8_t> body) {
     if (!backup.SlotUsed(slot)) continue;
     backup.slotNames[Index(slot)] = NameAt(body, kSlotNamesAt + kNameSize * Index(slot));
     std::copy_n(body.begin() + static_cast<long>(kSlotsAt + params::kPresetSize * Index(slot)),
-                params::kPresetSize, backup.slots[Index(slot)].begin());
+                params::kPresetSize, backup.slotPresets[Index(slot)].begin());
   }
   return backup;
 }
@@ -139,7 +139,7 @@ std::vector<protocol::Command> MemoryCommands(const DeviceBackup& backup) {
     if (backup.SlotUsed(slot)) {
       PutName(name.data(), backup.slotNames[Index(slot)]);
       AddStores(commands, mem::SlotNameAddress(slot), name.data(), kNameSize);
-      AddStores(commands, mem::SlotDataAddress(slot), backup.slots[Index(slot)].data(),
+      AddStores(commands, mem::SlotDataAddress(slot), backup.slotPresets[Index(slot)].data(),
                 params::kPresetSize);
     }
     commands.push_back(SlotMarkCommand(slot, backup.usedMarks[Index(slot)]));
@@ -343,7 +343,7 @@ std::vector<std::uint8_t> EncodeBackup(const DeviceBackup& backup) {
   for (int slot = 0; slot < params::kSlotCount; ++slot) {
     if (!backup.SlotUsed(slot)) continue;
     PutName(body + kSlotNamesAt + kNameSize * Index(slot), backup.slotNames[Index(slot)]);
-    const params::PresetImage& preset = backup.slots[Index(slot)];
+    const params::PresetImage& preset = backup.slotPresets[Index(slot)];
     std::copy(preset.begin(), preset.end(), body + kSlotsAt + params::kPresetSize * Index(slot));
   }
   PutLittle(bytes, 16, Crc32({body, kBackupBodySize}), 4);
@@ -434,8 +434,8 @@ BackupEnd ReadDeviceBackup(link::Link& link, int deviceId, DeviceBackup& backup,
   read.deviceName.assign(name.begin(), name.end());
   for (int slot = 0; slot < params::kSlotCount; ++slot) {
     if (!read.SlotUsed(slot)) continue;
-    const StateRead slotRead =
-        ReadDeviceMemory(link, deviceId, mem::SlotDataAddress(slot), read.slots[Index(slot)], step);
+    const StateRead slotRead = ReadDeviceMemory(link, deviceId, mem::SlotDataAddress(slot),
+                                                read.slotPresets[Index(slot)], step);
     if (slotRead != StateRead::Received) return EndOf(slotRead);
   }
   backup = std::move(read);

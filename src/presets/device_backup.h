@@ -39,9 +39,11 @@ struct DeviceBackup {
   std::string deviceName;        // 16 bytes, device memory 368..383
   std::string presetName;        // 16 bytes, device memory 0x40..0x4F
   params::PresetImage live{};    // the running preset; output names at their offsets
-  std::array<std::uint8_t, params::kSlotCount> usedMarks{};     // 85 = the slot holds a preset
-  std::array<std::string, params::kSlotCount> slotNames;        // 16 bytes each; empty if unused
-  std::array<params::PresetImage, params::kSlotCount> slots{};  // zeros for an unused slot
+  std::array<std::uint8_t, params::kSlotCount> usedMarks{};  // 85 = the slot holds a preset
+  std::array<std::string, params::kSlotCount> slotNames;     // 16 bytes each; empty if unused
+  // Zeros for an unused slot. Not called `slots`: Qt code, which shows backups too, reads that
+  // word as its keyword.
+  std::array<params::PresetImage, params::kSlotCount> slotPresets{};
 
   bool SlotUsed(int slot) const;
   int UsedSlots() const;

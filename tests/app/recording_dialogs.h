@@ -11,7 +11,7 @@
 namespace talvex::testing {
 
 struct Shown {
-  std::string kind;  // "question" or "message"
+  std::string kind;  // "question", "three-way question" or "message"
   std::string title;
   std::string text;
   editor::DialogIcon icon;
@@ -28,6 +28,15 @@ class RecordingDialogs final : public editor::UserDialogs {
   editor::Answer AskYesNo(const std::string& title, const std::string& text,
                           editor::DialogIcon icon, editor::Answer defaultAnswer) override {
     shown.push_back({"question", title, text, icon, defaultAnswer});
+    if (onQuestion) onQuestion();
+    if (answers_.empty()) return editor::Answer::Yes;
+    const editor::Answer answer = answers_.front();
+    answers_.pop_front();
+    return answer;
+  }
+  editor::Answer AskYesNoCancel(const std::string& title, const std::string& text,
+                                editor::DialogIcon icon, editor::Answer defaultAnswer) override {
+    shown.push_back({"three-way question", title, text, icon, defaultAnswer});
     if (onQuestion) onQuestion();
     if (answers_.empty()) return editor::Answer::Yes;
     const editor::Answer answer = answers_.front();

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "editor/model/device_editor.h"
+#include "editor/model/settings_memory.h"
 #include "editor/user_dialogs.h"
 #include "presets/conversation.h"
 
@@ -35,6 +36,9 @@ struct CommandContext {
   std::function<void()> refresh;
   // The command has ended: the window-command-busy flag is cleared. Called once per command.
   std::function<void()> finished;
+  // The editor's history, A/B sides and save state: a command that replaces the setting records
+  // one step, one that keeps it in a file or a slot marks it.
+  SettingsMemory& memory;
 
   int DeviceId() const { return model.DeviceId(); }
   DeviceRecords Records() const { return link.Records(); }

@@ -75,6 +75,7 @@ void CopyDialog::Copy() {
   if (context_.dialogs.AskYesNo(title, std::string(presets::kAreYouSureText), DialogIcon::None,
                                 Answer::No) == Answer::No)
     return;
+  const params::DeviceParams before = context_.device;
   presets::ChannelCopy copy;
   try {
     copy = presets::CopyChannel(context_.device, source, destination, context_.model.Mark());
@@ -86,6 +87,7 @@ void CopyDialog::Copy() {
   QWidget* window = &context_.window;
   window->setCursor(Qt::BusyCursor);
   context_.model.StoresReplaced();
+  context_.memory.RecordSettingsStep(Std(windowTitle()), before);
   SendCommands(context_, presets::CommandsOf(copy.edits),
                [window](const presets::ListOutcome&) { window->unsetCursor(); });
   accept();

@@ -94,7 +94,9 @@ void FrmEditLabel::Ok() {
                                 Answer::Yes) == Answer::No)
     return;
   DeviceRecords records = context_.Records();
+  const params::DeviceParams before = context_.device;
   const auto edits = presets::ApplyChannelNames(context_.device, records.names, texts);
+  context_.memory.RecordSettingsStep(title, before);
   context_.model.SetInputNames(records.names);
   context_.refresh();
   SendCommands(context_, presets::CommandsOf(edits));

@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 
 #include "editor/dialogs/slot_list.h"
+#include "editor/toolbar_commands.h"
 #include "params/captions.h"
 
 namespace talvex::editor {
@@ -100,6 +101,7 @@ void FrmRead::Read() {
 void FrmRead::Apply(int slot, const SlotReadResult& result) {
   SetReading(false);
   if (result.read != presets::SlotRead::Received) return;
+  const params::DeviceParams before = context_.device;
   try {
     presets::ApplyDevicePreset(context_.device, result.preset, context_.model,
                                context_.model.Mark());
@@ -108,9 +110,12 @@ void FrmRead::Apply(int slot, const SlotReadResult& result) {
                                  DialogIcon::Warning);
     return;
   }
+  const std::string& name = context_.Records().state.slotNames[static_cast<std::size_t>(slot)];
+  context_.memory.RecordSettingsStep(
+      std::string(ToolbarCommandOf(WindowCommand::ReadPreset).caption), before);
+  context_.memory.SlotMarked(slot, name, false);
   context_.setCaption(params::LoadedFromDeviceCaption(
-      context_.DeviceId(), context_.Records().state.slotNames[static_cast<std::size_t>(slot)],
-      context_.device.image[params::kSystemTypeByte]));
+      context_.DeviceId(), name, context_.device.image[params::kSystemTypeByte]));
   accept();
 }
 

@@ -110,8 +110,10 @@ void FrmStore::Store() {
         self->progress_->setMaximum(maximum);
         self->progress_->setValue(value);
       },
-      [self, records, store](presets::StoreOutcome outcome) {
+      [self, records, store, &context = context_](presets::StoreOutcome outcome) {
         presets::FinishStore(records.state, store, outcome);
+        if (outcome.end != presets::ListEnd::Stopped)
+          context.memory.SlotMarked(store.slot, store.name, true);
         if (self) self->Stored(store, outcome);
       },
       StoreNotDone(id, slot));

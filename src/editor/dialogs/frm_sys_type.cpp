@@ -72,6 +72,7 @@ void FrmSysType::Apply() {
                                 std::string(presets::kChangeTypeText), DialogIcon::None,
                                 Answer::Yes) == Answer::No)
     return;
+  const params::DeviceParams before = context_.device;
   const protocol::Command command = presets::BeginTypeChange(context_.device, type);
   switching_ = true;
   for (QWidget* widget : std::initializer_list<QWidget*>{apply_, close_})
@@ -89,14 +90,15 @@ void FrmSysType::Apply() {
         self->wait_->setMaximum(maximum);
         self->wait_->setValue(value);
       },
-      [self, type](presets::TypeSend sent) {
-        if (self) self->Switched(type, sent);
+      [self, type, before](presets::TypeSend sent) {
+        if (self) self->Switched(type, sent, before);
       });
 }
 
 // Without an acknowledgement the image keeps the new type byte and no defaults are loaded; the
 // link has reported the failure and the editor closes.
-void FrmSysType::Switched(int systemType, presets::TypeSend sent) {
+void FrmSysType::Switched(int systemType, presets::TypeSend sent,
+                          const params::DeviceParams& before) {
   switching_ = false;
   wait_->setVisible(false);
   for (QWidget* widget : std::initializer_list<QWidget*>{apply_, close_})
@@ -106,6 +108,7 @@ void FrmSysType::Switched(int systemType, presets::TypeSend sent) {
   presets::ApplyFactoryImage(context_.device, records.presetState, context_.model,
                              context_.model.Mark());
   records.state.systemType = systemType;
+  context_.memory.RecordSettingsStep(std::string(presets::kSystemSetupTitle), before);
   context_.setCaption(params::DefaultLoadedCaption(context_.DeviceId(), systemType));
   accept();
 }

@@ -33,7 +33,7 @@ class FrmSysType final : public QDialog {
 
  private:
   void Apply();
-  void Switched(int systemType, presets::TypeSend sent);
+  void Switched(int systemType, presets::TypeSend sent, const params::DeviceParams& before);
 
   CommandContext& context_;
   std::array<QRadioButton*, params::kSystemTypeCount> options_{};

@@ -5,6 +5,7 @@
 
 #include "editor/dialogs/frm_vmeter.h"
 #include "editor/dialogs/preset_folder.h"
+#include "editor/toolbar_commands.h"
 #include "params/captions.h"
 
 namespace talvex::editor {
@@ -60,10 +61,15 @@ void LoadPresetFromPc(CommandContext& context) {
   const auto path = context.dialogs.ChooseOpenFile(PresetFolder(records).string(), Filter());
   if (path) {
     BoxReporter reporter(context.dialogs);
+    const params::DeviceParams before = context.device;
     presets::PresetLoadResult loaded =
         presets::LoadPresetFile(*path, records.scratch, context.device, records.presetState,
                                 context.model, reporter, context.model.Mark());
     if (loaded.outcome == presets::PresetLoad::Loaded) {
+      const std::string title = std::filesystem::path(*path).filename().string();
+      context.memory.RecordSettingsStep(
+          std::string(ToolbarCommandOf(WindowCommand::LoadPresetFromPc).caption), before);
+      context.memory.FileMarked(title, false);
       SendLoadedPreset(context, std::move(loaded.transfer),
                        std::filesystem::path(*path).filename().string());
     } else if (loaded.outcome == presets::PresetLoad::Refused) {
@@ -74,12 +80,21 @@ void LoadPresetFromPc(CommandContext& context) {
   context.finished();
 }
 
-void SavePresetToPc(CommandContext& context) {
-  if (const auto path =
-          context.dialogs.ChooseSaveFile(PresetFolder(context.Records()).string(), Filter())) {
-    const std::string error = presets::SavePresetFile(*path, context.device);
-    if (!error.empty()) context.dialogs.ShowMessage(kSaveFailedTitle, error, DialogIcon::Warning);
+bool SaveToChosenFile(CommandContext& context) {
+  const auto path =
+      context.dialogs.ChooseSaveFile(PresetFolder(context.Records()).string(), Filter());
+  if (!path) return false;
+  const std::string error = presets::SavePresetFile(*path, context.device);
+  if (!error.empty()) {
+    context.dialogs.ShowMessage(kSaveFailedTitle, error, DialogIcon::Warning);
+    return false;
   }
+  context.memory.FileMarked(std::filesystem::path(*path).filename().string(), true);
+  return true;
+}
+
+void SavePresetToPc(CommandContext& context) {
+  SaveToChosenFile(context);
   context.finished();
 }
 

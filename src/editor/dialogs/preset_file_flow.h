@@ -21,5 +21,8 @@ void LoadPresetFromPc(CommandContext& context);
 // Writes the device's 1155 bytes atomically (the old file stays whole if the write fails,
 // and the user is told why). Nothing is sent, no caption changes.
 void SavePresetToPc(CommandContext& context);
+// The save without ending a command: true once the file is written (and the editor's save state
+// marks it); false when the user cancelled or the write failed (the user was told why).
+bool SaveToChosenFile(CommandContext& context);
 
 }  // namespace talvex::editor

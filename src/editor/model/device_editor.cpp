@@ -64,13 +64,11 @@ KeyOutcome DeviceEditor::Key(int key) const {
 }
 
 EditOutcome DeviceEditor::Commit(const ParamRef& ref, std::string_view text) {
-  if (!EditsEnabled()) return {};
-  return Finish(params::EditText(device_, ref, text, Options()));
+  return Perform(EditOperation::Typed(ref, std::string(text)));
 }
 
 EditOutcome DeviceEditor::Move(const ParamRef& ref, int position) {
-  if (!EditsEnabled()) return {};
-  return Finish(params::EditPosition(device_, ref, position, Options()));
+  return Perform(EditOperation::Moved(ref, position));
 }
 
 EditOutcome DeviceEditor::Step(const ControlId& upDown, int steps) {
@@ -81,22 +79,36 @@ EditOutcome DeviceEditor::Step(const ControlId& upDown, int steps) {
 }
 
 EditOutcome DeviceEditor::Choose(const ParamRef& ref, int choice) {
-  if (!EditsEnabled()) return {};
-  return Finish(params::EditChoice(device_, ref, choice, Options()));
+  return Perform(EditOperation::Chosen(ref, choice));
 }
 
 EditOutcome DeviceEditor::FlattenEq(int channel) {
+  return Perform(EditOperation::Flatten(channel));
+}
+
+// The stores before the edit go to the history with the stores after it.
+EditOutcome DeviceEditor::Perform(const EditOperation& operation) {
   if (!EditsEnabled()) return {};
-  return Finish(params::FlattenEq(device_, channel, Options()));
+  const params::DeviceParams before = device_;
+  EditOutcome outcome = Finish(RunOperation(device_, operation, Options()));
+  if (!outcome.Applied()) return outcome;
+  const int tag = history_.RecordEdit(operation, outcome.changed, before, device_);
+  if (edited_) edited_(operation, outcome, tag);
+  return outcome;
+}
+
+EditOutcome DeviceEditor::Restore(const EditOperation& operation) {
+  if (!EditsEnabled()) return {};
+  return Finish(RunOperation(device_, operation, Options()));
 }
 
 EditOutcome DeviceEditor::SetBand(int band, const params::EqBandSetting& setting) {
-  if (!EditsEnabled()) return {};
-  return Finish(params::EditBand(device_, band, setting, Options()));
+  return Perform(EditOperation::WholeBand(band, setting));
 }
 
 int DeviceEditor::BeginGesture() {
   gesture_ = ++gestures_;
+  history_.BeginGroup();
   return gesture_;
 }
 

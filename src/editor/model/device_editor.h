@@ -18,6 +18,8 @@
 #include <vector>
 
 #include "editor/model/controls.h"
+#include "editor/model/edit_history.h"
+#include "editor/model/edit_operation.h"
 #include "editor/model/entry_keys.h"
 #include "graph/output_response.h"
 #include "graph/response_tables.h"
@@ -157,14 +159,30 @@ class DeviceEditor final : public presets::PresetView {
   EditOutcome Choose(const params::ParamRef& ref, int choice);
   // "Flat Eq".
   EditOutcome FlattenEq(int channel);
+  // Every edit of the user comes here: run on the edit path, recorded in the history, and told
+  // to OnEdited (a device group runs it again on its other devices).
+  EditOutcome Perform(const EditOperation& operation);
+  // An edit that puts back a recorded value (undo, redo, a group's undo): on the edit path like
+  // any other, neither recorded nor told.
+  EditOutcome Restore(const EditOperation& operation);
+  EditHistory& History() { return history_; }
+  const EditHistory& History() const { return history_; }
+  // Told after each edit of the user that changed something, with the tag of its history step.
+  void OnEdited(std::function<void(const EditOperation&, const EditOutcome&, int tag)> edited) {
+    edited_ = std::move(edited);
+  }
   // A whole band at once (a handle dragged on the graph): one command for the band.
   EditOutcome SetBand(int band, const params::EqBandSetting& setting);
 
   // A gesture: the edits between BeginGesture and EndGesture are one action of the user (a
   // drag on the graph, however many positions it sent), which an undo would take back as one
   // step. Each edit's outcome carries the gesture's number (from 1; 0 outside a gesture).
+  // A gesture is one group of the history (EditHistory::BeginGroup, EndGroup).
   int BeginGesture();
-  void EndGesture() { gesture_ = 0; }
+  void EndGesture() {
+    gesture_ = 0;
+    history_.EndGroup();
+  }
   int Gesture() const { return gesture_; }
   // What a control shows now.
   params::ShownParam Show(const params::ParamRef& ref) const;
@@ -249,6 +267,8 @@ class DeviceEditor final : public presets::PresetView {
   int gestures_ = 0;
   std::array<std::string, params::kInputCount> inputNames_;
   std::function<void(std::span<const params::ParamRef>)> changed_;
+  EditHistory history_;
+  std::function<void(const EditOperation&, const EditOutcome&, int tag)> edited_;
 };
 
 }  // namespace talvex::editor

@@ -127,6 +127,9 @@ RuleSlider::RuleSlider(EditorContext& context, Qt::Orientation orientation, QWid
   setTracking(true);
   connect(this, &QSlider::valueChanged, this,
           [this](int position) { Report(Model().Move(Ref(), position)); });
+  // A drag from press to release is one step of the history, however many positions it sent.
+  connect(this, &QSlider::sliderPressed, this, [this] { Model().History().BeginGroup(); });
+  connect(this, &QSlider::sliderReleased, this, [this] { Model().History().EndGroup(); });
 }
 
 void RuleSlider::Rebound() {

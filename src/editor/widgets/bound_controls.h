@@ -76,7 +76,8 @@ class ValueEntry final : public QLineEdit, public BoundControl {
 
 // A slider or scroll bar over the rule's positions. Level and gain sliders stand the device's
 // way (position 0 is the highest value); they are drawn and keyed so that up and right raise
-// the value. Every position moved to is sent (the link keeps the newest).
+// the value. Every position moved to is sent (the link keeps the newest); a drag is one step of
+// the history, each key or wheel step one of its own.
 class RuleSlider final : public QSlider, public BoundControl {
  public:
   RuleSlider(EditorContext& context, Qt::Orientation orientation, QWidget* parent = nullptr);

@@ -110,7 +110,11 @@ TEST_F(GraphHandlesTest, shouldSendEachSnappedPositionOfADragAsOneBandCommand) {
     }
   }
   EXPECT_EQ(editor_->Gesture(), 0);
+  // The drag is one step of the history, however many positions it sent.
+  EXPECT_EQ(editor_->History().UndoCount(), 1u);
+  EXPECT_EQ(editor_->History().UndoText(), "Undo Out 3 EQ 3");
   EXPECT_EQ(editor_->Commit({ParamKind::EqGain, kOut3, band}, "1").gesture, 0);
+  EXPECT_EQ(editor_->History().UndoCount(), 2u);
   HandleDrag second(*editor_, HandleOf(band));
   EXPECT_GT(second.Gesture(), 1);
 }
