@@ -115,6 +115,7 @@ class SoakDialogs final : public editor::UserDialogs {
   bool Chance(double p) { return std::bernoulli_distribution(p)(random_); }
   void Linger() {
     deepest = std::max(deepest, ++depth);
+    const BoxUp up(*this);
     QEventLoop loop;
     QTimer::singleShot(std::uniform_int_distribution<int>(0, 30)(random_), &loop,
                        &QEventLoop::quit);

@@ -200,15 +200,17 @@ void MainWindow::EditorClosed(int slot) {
   if (deviceList_) deviceList_->Redraw();
 }
 
+// Never under an open box: the code that opened it goes on in the editor when it closes.
 void MainWindow::CloseEditorOf(int deviceId) {
-  if (const auto slot = slots_.SlotOfDevice(deviceId)) {
-    if (editor::CtrlWindow* editor = editors_[static_cast<std::size_t>(*slot)]) {
-      if (auto* sub = qobject_cast<QMdiSubWindow*>(editor->parentWidget())) {
-        editor->CloseWithoutAsking();
-        sub->close();
-      }
+  dialogs_.AfterBoxes([this, deviceId] {
+    const auto slot = slots_.SlotOfDevice(deviceId);
+    editor::CtrlWindow* editor = slot ? editors_[static_cast<std::size_t>(*slot)] : nullptr;
+    if (!editor) return;
+    if (auto* sub = qobject_cast<QMdiSubWindow*>(editor->parentWidget())) {
+      editor->CloseWithoutAsking();
+      sub->close();
     }
-  }
+  });
 }
 
 // The port is gone: its message has been shown once; no editor can reach its device now.

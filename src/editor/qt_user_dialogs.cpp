@@ -29,6 +29,7 @@ Answer QtUserDialogs::AskYesNo(const std::string& title, const std::string& text
   QMessageBox box(QtIcon(icon), QString::fromStdString(title), QString::fromStdString(text),
                   QMessageBox::Yes | QMessageBox::No, parent_);
   box.setDefaultButton(defaultAnswer == Answer::Yes ? QMessageBox::Yes : QMessageBox::No);
+  const BoxUp up(*this);
   return box.exec() == QMessageBox::Yes ? Answer::Yes : Answer::No;
 }
 
@@ -43,6 +44,7 @@ Answer QtUserDialogs::AskYesNoCancel(const std::string& title, const std::string
   };
   box.setDefaultButton(button(defaultAnswer));
   box.setEscapeButton(QMessageBox::Cancel);
+  const BoxUp up(*this);
   switch (box.exec()) {
     case QMessageBox::Yes:
       return Answer::Yes;
@@ -57,6 +59,7 @@ void QtUserDialogs::ShowMessage(const std::string& title, const std::string& tex
                                 DialogIcon icon) {
   QMessageBox box(QtIcon(icon), QString::fromStdString(title), QString::fromStdString(text),
                   QMessageBox::Ok, parent_);
+  const BoxUp up(*this);
   box.exec();
 }
 
@@ -67,6 +70,7 @@ QString QtFilter(const std::string& filter) {
 
 std::optional<std::string> QtUserDialogs::ChooseOpenFile(const std::string& folder,
                                                          const std::string& filter) {
+  const BoxUp up(*this);
   const QString file =
       QFileDialog::getOpenFileName(parent_, {}, QString::fromStdString(folder), QtFilter(filter));
   if (file.isEmpty()) return std::nullopt;
@@ -84,6 +88,7 @@ std::optional<std::string> QtUserDialogs::ChooseSaveFile(const std::string& fold
   const auto dot = filter.rfind("*.");
   if (dot != std::string::npos)
     dialog.setDefaultSuffix(QString::fromStdString(filter.substr(dot + 2)));
+  const BoxUp up(*this);
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
   return dialog.selectedFiles().front().toStdString();
 }

@@ -3,8 +3,11 @@
 // check each text character for character.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace talvex::editor {
 
@@ -35,6 +38,36 @@ class UserDialogs {
                                                     const std::string& filter) = 0;
   virtual std::optional<std::string> ChooseSaveFile(const std::string& folder,
                                                     const std::string& filter) = 0;
+
+  // A box runs the event loop while it is up: a device can fail meanwhile, and the code that
+  // opened the box goes on when it closes. So whatever would destroy that code's window (an
+  // editor closed after a failure) runs through here: at once while no box is up, else once the
+  // last box has closed.
+  void AfterBoxes(std::function<void()> then) {
+    if (boxesUp_ == 0) return then();
+    waiting_.push_back(std::move(then));
+  }
+
+ protected:
+  // Held by an implementation for as long as one of its boxes is up.
+  class BoxUp {
+   public:
+    explicit BoxUp(UserDialogs& dialogs) : dialogs_(dialogs) { ++dialogs_.boxesUp_; }
+    ~BoxUp() {
+      if (--dialogs_.boxesUp_ > 0) return;
+      for (auto& then : std::exchange(dialogs_.waiting_, {}))
+        then();
+    }
+    BoxUp(const BoxUp&) = delete;
+    BoxUp& operator=(const BoxUp&) = delete;
+
+   private:
+    UserDialogs& dialogs_;
+  };
+
+ private:
+  int boxesUp_ = 0;
+  std::vector<std::function<void()>> waiting_;
 };
 
 }  // namespace talvex::editor

@@ -4,12 +4,14 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QEventLoop>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
 #include <QTabBar>
 #include <QTest>
+#include <QTimer>
 #include <algorithm>
 #include <future>
 #include <set>
@@ -238,6 +240,28 @@ TEST_F(EditorWindowTest, shouldNameEveryControlAndTabAlongTheSignal) {
   EXPECT_LT(position("Out 1 Delay"), position("Out 1 EQ 1 Type"));
   EXPECT_LT(position("Out 1 EQ 7 Gain slider"), position("Out 1 X-over high-pass frequency"));
   EXPECT_LT(position("Out 1 X-over low-pass slope"), position("Out 1 Limiter threshold [dBu]"));
+}
+
+// A refused key's box is up when the device's failure comes in: the failure is told, the editor
+// closes under the box, and nothing touches the closed editor once the box is gone.
+TEST_F(EditorWindowTest, shouldLetItsEditorCloseUnderAWarning) {
+  editor::CtrlWindow& window = Open(1);
+  auto* box = Find<QLineEdit>(window, "In A Level [dB]");
+  app_.simulator->Faults(1).vanishAfterFrames = 0;
+  window.Model().Commit({params::ParamKind::Level, 0, 0}, "2");
+  app_.Session().Worker().WaitIdle();  // the failure waits to be told
+  app_.dialogs.whileNextMessageIsUp = [] {
+    QEventLoop modal;  // as a modal box does
+    QTimer::singleShot(50, &modal, &QEventLoop::quit);
+    modal.exec();
+  };
+  box->setFocus();
+  QTest::keyClick(box, Qt::Key_A);
+  app_.Settle();
+  ASSERT_EQ(app_.dialogs.shown.size(), 2u);
+  EXPECT_EQ(app_.dialogs.shown[0].text, "  Incorrect value");
+  EXPECT_EQ(app_.dialogs.shown[1].title, "Communication problem");
+  EXPECT_FALSE(app_.window->Slots().SlotOfDevice(1));
 }
 
 TEST_F(EditorWindowTest, shouldReportAVanishedDeviceOnceAndCloseItsEditor) {

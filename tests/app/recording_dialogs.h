@@ -46,6 +46,11 @@ class RecordingDialogs final : public editor::UserDialogs {
   void ShowMessage(const std::string& title, const std::string& text,
                    editor::DialogIcon icon) override {
     shown.push_back({"message", title, text, icon});
+    // A real box runs the event loop while it is up: a test can do the same, once.
+    if (auto whileUp = std::exchange(whileNextMessageIsUp, {})) {
+      const BoxUp up(*this);
+      whileUp();
+    }
   }
   std::optional<std::string> ChooseOpenFile(const std::string& folder,
                                             const std::string& filter) override {
@@ -67,6 +72,7 @@ class RecordingDialogs final : public editor::UserDialogs {
 
   std::vector<Shown> shown;
   std::optional<std::string> file;
+  std::function<void()> whileNextMessageIsUp;
   std::vector<std::pair<std::string, std::string>> fileDialogs;  // folder, filter
   // Runs while a question is on the screen: what else the user sees then.
   std::function<void()> onQuestion;
