@@ -11,11 +11,6 @@ namespace mem = protocol::memory;
 
 namespace {
 
-// Reply bytes 6..9 of a memory read hold memory A-2 .. A+1 of the address A asked for, so
-// four bytes from B on are asked for at B + 2.
-constexpr std::size_t kFourBytesAhead = 2;
-constexpr std::size_t kFirstDataByte = 6;
-
 std::optional<Password> Encode(std::string_view text) {
   if (text.size() != kPasswordLength) return std::nullopt;
   Password password{};
@@ -68,22 +63,9 @@ std::string_view LockText(bool locked) {
 
 StateRead ReadDevicePassword(link::Link& link, int deviceId, DeviceState& state) {
   Password password{};
-  for (std::size_t at = 0; at < kPasswordLength; at += 4) {
-    const auto read = protocol::AddressedCommand(protocol::code::kMemoryRead,
-                                                 mem::kPassword + at + kFourBytesAhead);
-    switch (link.SendCommand(deviceId, read)) {
-      case link::SendResult::Replied:
-        break;
-      case link::SendResult::Skipped:
-        return StateRead::Skipped;
-      default:
-        return StateRead::Failed;
-    }
-    for (std::size_t i = 0; i < 4 && at + i < kPasswordLength; ++i)
-      password[at + i] = link.RxBuffer()[kFirstDataByte + i];
-  }
-  state.password = password;
-  return StateRead::Received;
+  const StateRead read = ReadDeviceMemory(link, deviceId, mem::kPassword, password);
+  if (read == StateRead::Received) state.password = password;
+  return read;
 }
 
 protocol::Command LockByteCommand(std::uint8_t lockByte) {
