@@ -35,14 +35,6 @@ using params::ParamKind;
 namespace code = protocol::code;
 namespace mem = protocol::memory;
 
-params::DeviceParams MovedPreset() {
-  params::DeviceParams device = params::DeviceParams::FromDefault(0);
-  params::EditText(device, {ParamKind::Level, 3, 0}, "-4.5");
-  params::EditText(device, {ParamKind::EqGain, 2, params::GlobalBand(2, 1)}, "6");
-  params::EditText(device, {ParamKind::LowPassFrequency, 4, 0}, "1200");
-  return device;
-}
-
 std::string Shown(const QAction& action) {
   return action.text().remove('&').toStdString();
 }

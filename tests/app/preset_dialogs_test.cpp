@@ -31,16 +31,6 @@ using params::ParamKind;
 namespace code = protocol::code;
 namespace mem = protocol::memory;
 
-// A preset unlike the factory one: levels, a band and a crossover moved.
-params::DeviceParams MovedPreset(int systemType) {
-  params::DeviceParams device = params::DeviceParams::FromDefault(systemType);
-  params::EditText(device, {ParamKind::Level, 3, 0}, "-4.5");
-  params::EditText(device, {ParamKind::EqGain, 2, params::GlobalBand(2, 1)}, "6");
-  params::EditText(device, {ParamKind::LowPassFrequency, 4, 0}, "1200");
-  params::EditText(device, {ParamKind::Delay, 6, 0}, "2");
-  return device;
-}
-
 void PutLive(sim::SimLine& line, int id, const params::DeviceParams& device) {
   std::copy_n(device.image.begin(), params::kPresetSize, line.Device(id).LiveImage().begin());
 }

@@ -12,6 +12,7 @@
 
 #include "app_harness.h"
 #include "editor/ctrl_window.h"
+#include "params/param_edit.h"
 
 namespace talvex::testing {
 
@@ -65,6 +66,17 @@ Dialog& OpenDialog(AppHarness& app, editor::CtrlWindow& editor, WindowCommand co
   auto* dialog = editor.findChild<Dialog*>();
   if (!dialog || !dialog->isVisible()) throw std::runtime_error("the dialog did not open");
   return *dialog;
+}
+
+// A preset unlike the factory one: levels, a band, a crossover and a delay moved.
+inline params::DeviceParams MovedPreset(int systemType = 0) {
+  params::DeviceParams device = params::DeviceParams::FromDefault(systemType);
+  using params::ParamKind;
+  params::EditText(device, {ParamKind::Level, 3, 0}, "-4.5");
+  params::EditText(device, {ParamKind::EqGain, 2, params::GlobalBand(2, 1)}, "6");
+  params::EditText(device, {ParamKind::LowPassFrequency, 4, 0}, "1200");
+  params::EditText(device, {ParamKind::Delay, 6, 0}, "2");
+  return device;
 }
 
 inline std::vector<std::uint8_t> FileBytes(const std::string& path) {
